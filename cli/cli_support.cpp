@@ -1,0 +1,20 @@
+#include "cli_support.h"
+
+#include <cstdio>
+
+#include "host/messages.h"
+
+namespace subsurf::cli {
+namespace {
+const char* gProgram = "subsurf";
+void printMessage(void*, const char* text) { std::fprintf(stderr, "%s: %s\n", gProgram, text); }
+}  // namespace
+
+void installTerminalHost(const char* programName) {
+  gProgram = programName;
+  host::HostCallbacks cb;
+  cb.message = printMessage;
+  host::setHostCallbacks(cb);
+}
+
+}  // namespace subsurf::cli

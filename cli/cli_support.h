@@ -1,0 +1,16 @@
+// Shared pieces of the command-line programs.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace subsurf::cli {
+
+// Exit statuses of the programs.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitPartial = 1;     // the job ran but some of it failed
+inline constexpr int kExitBadInput = 2;    // bad arguments, unreadable or impossible input
+
+// Messages from the library go to standard error with the program's name in front.
+void installTerminalHost(const char* programName);
+
+}  // namespace subsurf::cli

@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that subsurf needs to build, test and benchmark.
+# Only missing packages are installed; run as root (or with sudo available).
+set -euo pipefail
+
+build_packages=(
+  g++ cmake make pkg-config
+  libvips-dev libcairo2-dev
+  libcli11-dev nlohmann-json3-dev libfmt-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+)
+# Only the benchmarks need these: peer tools measured in the same run.
+bench_packages=(hyperfine imagemagick libjpeg-turbo-progs libvips-tools python3-numpy time)
+
+wanted=("${build_packages[@]}")
+if [ "${1:-}" = "--bench" ]; then wanted+=("${bench_packages[@]}"); fi
+
+missing=()
+for p in "${wanted[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+    missing+=("$p")
+  fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "setup: all packages present"
+  exit 0
+fi
+
+echo "setup: installing ${missing[*]}"
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"

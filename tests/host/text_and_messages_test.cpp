@@ -1,0 +1,176 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "host/guarded_math.h"
+#include "host/messages.h"
+#include "host/nulls.h"
+#include "host/number_text.h"
+#include "subsurf/host.h"
+#include "support/temp_dir.h"
+
+using namespace subsurf;
+
+TEST(NullValues, RealAndDoubleNullsAgreeAndIntegerNullIsNotMinusOne) {
+  EXPECT_EQ(Q_R_NULL(), -9.9e20f);
+  EXPECT_EQ(Q_R8_NULL(), static_cast<double>(-9.9e20f));
+  EXPECT_NE(Q_R8_NULL(), -9.9e20);  // rounded to single first, deliberately
+  EXPECT_LT(IQ_I_NULL(), -1);
+  float r = Q_R_NULL();
+  EXPECT_EQ(Q_IS_RNULL(&r), 1);
+  r = 0.0f;
+  EXPECT_EQ(Q_IS_RNULL(&r), 0);
+  EXPECT_TRUE(isNull(static_cast<double>(kRealNull)));
+  EXPECT_TRUE(isBeyondConversion(kRealNull));
+  EXPECT_FALSE(isBeyondConversion(9.0e20f));
+  EXPECT_TRUE(isNoValue(9.0e19));
+  EXPECT_FALSE(isNoValue(8.99e19));
+}
+
+TEST(NumberText, FormatCodes) {
+  EXPECT_EQ(formatReal(30.48, -6), "30.48");
+  EXPECT_EQ(formatReal(100.0, -6), "100");
+  EXPECT_EQ(formatReal(1234.5678, -6), "1234.57");
+  EXPECT_EQ(formatReal(0.000123456789, -6), "0.000123457");
+  EXPECT_EQ(formatReal(15000000.0, -6), "1.5e+07");
+  EXPECT_EQ(formatReal(1234.5, 2), "1234.50");
+  EXPECT_EQ(formatReal(-0.0, -6), "0");
+  EXPECT_EQ(formatReal(kRealNull, -6), "");
+}
+
+TEST(NumberText, ParsingWholeTextsOnly) {
+  double d = 0;
+  int i = 0;
+  EXPECT_TRUE(parseReal(" 12.5 ", d));
+  EXPECT_EQ(d, 12.5);
+  EXPECT_TRUE(parseReal("+1e3", d));
+  EXPECT_EQ(d, 1000.0);
+  EXPECT_FALSE(parseReal("12.5m", d));
+  EXPECT_FALSE(parseReal("", d));
+  EXPECT_FALSE(parseInteger("1.5", i));
+  EXPECT_TRUE(parseInteger("-42", i));
+  EXPECT_EQ(i, -42);
+}
+
+TEST(NumberText, ExportedRoutinesUseBlankPaddedFields) {
+  char text[20];
+  float v = 2.5f;
+  int code = -6;
+  XRCFN(&v, &code, text);
+  EXPECT_EQ(std::string(text, 20), "2.5" + std::string(17, ' '));
+  int n = 0, st = -9, len = 6;
+  XCI("  17  ", &len, &n, &st);
+  EXPECT_EQ(st, 0);
+  EXPECT_EQ(n, 17);
+  XCI("  1x  ", &len, &n, &st);
+  EXPECT_EQ(st, 1);
+}
+
+TEST(GuardedPower, UndefinedPowersReportAndReturnTheBase) {
+  int err = 0;
+  EXPECT_DOUBLE_EQ(guardedPower(4.0, 0.5, err), 2.0);
+  EXPECT_EQ(err, 0);
+  EXPECT_DOUBLE_EQ(guardedPower(-8.0, 1.0 / 3.0, err), -8.0);
+  EXPECT_EQ(err, 1);
+  EXPECT_DOUBLE_EQ(guardedPower(0.0, -1.0, err), 0.0);
+  EXPECT_EQ(err, 1);
+  EXPECT_DOUBLE_EQ(guardedPower(-2.0, 2.0, err), 4.0);
+  EXPECT_EQ(err, 0);
+  EXPECT_DOUBLE_EQ(guardedPower(1e300, 2.0, err), 1e300);
+  EXPECT_EQ(err, 1);
+  int lo = 1, hi = 10, v = 11;
+  EXPECT_EQ(IA_ILIMIT(&v, &lo, &hi), 10);
+}
+
+class Messages : public ::testing::Test {
+ protected:
+  void SetUp() override { host::clearRecorded(); }
+  void TearDown() override {
+    host::resetHostCallbacks();
+    host::setDefaultAnswer(false);
+    host::clearRecorded();
+  }
+};
+
+TEST_F(Messages, MessagesAndQuestionsAreRecordedInOrder) {
+  host::showMessage("No images found");
+  host::setDefaultAnswer(true);
+  EXPECT_TRUE(host::askQuestion("#Cores not set, use 5?"));
+  auto all = host::recorded();
+  ASSERT_EQ(all.size(), 2u);
+  EXPECT_EQ(all[0].text, "No images found");
+  EXPECT_EQ(all[1].kind, host::RecordedText::Kind::Question);
+  EXPECT_TRUE(all[1].answer);
+  EXPECT_EQ(host::recordedMessages(), std::vector<std::string>{"No images found"});
+  EXPECT_EQ(host::recordedQuestions(), std::vector<std::string>{"#Cores not set, use 5?"});
+}
+
+TEST_F(Messages, QueuedAnswersComeBeforeTheDefault) {
+  host::queueAnswer(true);
+  host::queueAnswer(false);
+  EXPECT_TRUE(host::askQuestion("q1"));
+  EXPECT_FALSE(host::askQuestion("q2"));
+  EXPECT_FALSE(host::askQuestion("q3"));  // default: no
+}
+
+TEST_F(Messages, AnEmbeddingHostReceivesMessagesAndAnswersQuestions) {
+  static std::vector<std::string> seen;
+  seen.clear();
+  host::HostCallbacks cb;
+  cb.message = [](void*, const char* t) { seen.emplace_back(t); };
+  cb.question = [](void*, const char*) { return 1; };
+  host::setHostCallbacks(cb);
+  int len = 20, kind = 1, answer = -1;
+  AW_MESS("Select a starting image!   ", &len);  // padded field, cut at the given length
+  AW_MESSAGE("Adjust box?         ", &len, &kind, &answer);
+  EXPECT_EQ(seen, std::vector<std::string>{"Select a starting im"});
+  EXPECT_EQ(answer, 1);
+}
+
+TEST(KeywordChannels, WriteRowsThenReadThemBackByColumn) {
+  subsurf::testing::TempDir dir;
+  char file[260];
+  std::memset(file, ' ', 260);
+  const std::string path = dir.file("chan.txt");
+  std::memcpy(file, path.data(), path.size());
+  char mode[16];
+  std::memset(mode, ' ', 16);
+  std::memcpy(mode, "WRITE", 5);
+  int ch = 0, st = -1;
+  KJF_OPEN(&ch, file, mode, &st);
+  ASSERT_EQ(st, 0);
+  int first = 0, mid = 1, last = 2, w = 16, iv = 4;
+  float rv = 1.25f;
+  A_SETCSVC(&ch, "  Top Depth     ", &w, &first);
+  A_SETCSVI(&ch, &iv, &mid);
+  A_SETCSVR(&ch, &rv, &last);
+  std::memcpy(mode, "RELEASE", 7);
+  KJF_CLOS(&ch, mode, &st);
+  ASSERT_EQ(st, 0);
+  EXPECT_EQ(subsurf::testing::TempDir::read(path), "\"  Top Depth\",4,1.25\n");
+
+  std::memset(mode, ' ', 16);
+  std::memcpy(mode, "READ", 4);
+  KJF_OPEN(&ch, file, mode, &st);
+  ASSERT_EQ(st, 0);
+  A_LOADCSV(&ch, &st);
+  ASSERT_EQ(st, 0);
+  char key[16];
+  int col = 1;
+  A_GETCSVC(&ch, &col, key, &w, &st);
+  EXPECT_EQ(std::string(key, 16), "  Top Depth     ");
+  col = 2;
+  int got = 0;
+  A_GETCSVI(&ch, &col, &got, &st);
+  EXPECT_EQ(got, 4);
+  col = 3;
+  double d = 0;
+  A_GETCSVR8(&ch, &col, &d, &st);
+  EXPECT_EQ(d, 1.25);
+  col = 4;
+  A_GETCSVI(&ch, &col, &got, &st);
+  EXPECT_EQ(st, 1);
+  A_LOADCSV(&ch, &st);
+  EXPECT_EQ(st, -3);
+  KJF_CLOS(&ch, mode, &st);
+}

@@ -1,0 +1,120 @@
+// UnitsRegistry: the process-wide table of dimensions, units and unit series.
+//
+// A unit is named everywhere by the pair (iser, iun): the series number (a
+// dimension seen in one role, such as "depth" or "pressure") and the unit's
+// position within that series, counted from 1. A position below 1 means no unit.
+// Unit systems are numbered 1 = oilfield, 2 = metric, 3 = SI.
+//
+// A unit u relates to the SI value v of its dimension by
+//     v = c4 * (c1 * (u + c2)) ^ c3
+// with the later coefficients absent when the unit has fewer of them.
+// Conversions between units that differ only in scale and offset are done with
+// direct linear coefficients (exact to double rounding); others go through SI.
+//
+// The registry is filled once from the definitions file "x_units.def" and never
+// changes afterwards. Before it is loaded every query answers as for no series.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/status.h"
+
+namespace subsurf {
+
+enum class UnitSystem { Oilfield = 1, Metric = 2, SI = 3 };
+
+struct UnitDimension {
+  int id = 0;
+  std::string name;  // up to 32 characters
+};
+
+struct UnitDefinition {
+  double c1 = 1.0, c2 = 0.0, c3 = 1.0, c4 = 1.0;
+  int nc = 1;       // coefficients in force, 1..4
+  int dimension = 0;
+  std::string name;       // display name, up to 16 characters
+  std::string otherName;  // alternative name, up to 16 characters
+};
+
+struct UnitSeries {
+  int dimension = 0;
+  int firstEntry = 0;  // index into the series-entry table (from 1)
+  int lastEntry = -1;
+  int unitCount = 0;   // highest iun accepted
+  std::string metricDefault, oilfieldDefault, siDefault;  // unit names
+  std::string name;    // up to 20 characters
+};
+
+struct SeriesEntry {
+  int unitId = 0;     // row of the units table, from 1
+  int reserved = 0;
+  int listing = 0;    // 0: listed in pick lists; anything else hides the unit
+};
+
+// Direct linear conversion y = a*x + b, reciprocal afterwards when reciprocal is set.
+struct LinearConversion {
+  float a = 1.0f, b = 0.0f;
+  bool reciprocal = false;
+};
+
+class UnitsRegistry {
+ public:
+  // Reads a definitions file. On failure the registry is left empty and the
+  // returned status names the file; malformed rows are reported (naming the
+  // line) through the host's messages and skipped.
+  Status load(const std::string& path);
+  bool loaded() const { return !series_.empty(); }
+  void clear();
+
+  // Number of the last series (series run from 0 to this number).
+  int lastSeries() const;
+  bool validSeries(int iser) const;
+  int unitCount(int iser) const;        // 0 for a bad iser
+  int listedUnitCount(int iser) const;  // units whose listing flag is 0
+  std::string seriesName(int iser) const;                  // "" for a bad iser
+  int findSeries(std::string_view name) const;             // -1 when none
+  int guessSeries(std::string_view unitName) const;        // -1 when none
+  int findUnit(int iser, std::string_view unitName) const; // below 1 when none
+  int unitId(int iser, int iun) const;                     // 0 when none
+  std::string unitName(int iser, int iun) const;           // "" when none
+  std::string unitOtherName(int iser, int iun) const;
+  // system 1..3: the default unit's position; 4: the series' dimension.
+  // -32768 for an iser out of range.
+  int defaultUnit(int iser, int system) const;
+  std::vector<std::string> listedUnitNames(int iser) const;
+
+  // Direct coefficients; err 0 on success, 1 out of range, -1 not linear.
+  LinearConversion linearCoefficients(int iser, int from, int to, int& err) const;
+
+  float convert(float value, int iser, int from, int to, int& err) const;
+  double convert(double value, int iser, int from, int to, int& err) const;
+  // Converts in place; err is that of the last failing element (0 when all succeed).
+  void convert(float* values, std::size_t n, int iser, int from, int to, int& err) const;
+  void convert(double* values, std::size_t n, int iser, int from, int to, int& err) const;
+
+  // Converts between units given by name within a series; an empty name returns
+  // the value unchanged. err is 1 when a name is not a unit of the series.
+  double convertByName(double value, int iser, std::string_view from, std::string_view to, int& err) const;
+
+  const std::vector<UnitDimension>& dimensions() const { return dimensions_; }
+  const std::vector<UnitDefinition>& units() const { return units_; }
+  const std::vector<UnitSeries>& series() const { return series_; }
+  const std::vector<SeriesEntry>& entries() const { return entries_; }
+
+ private:
+  const UnitDefinition* unitOf(int iser, int iun) const;
+
+  std::vector<UnitDimension> dimensions_;
+  std::vector<UnitDefinition> units_;
+  std::vector<UnitSeries> series_;     // index = iser
+  std::vector<SeriesEntry> entries_;   // index = entry number - 1
+};
+
+// The process-wide registry. On first use it loads "deflib:x_units.def";
+// X_INIT reloads it explicitly.
+UnitsRegistry& unitsRegistry();
+
+}  // namespace subsurf
