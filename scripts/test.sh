@@ -16,4 +16,4 @@ cmake --build build/release -j"$jobs"
 echo "== debug build with sanitizers =="
 cmake -S . -B build/sanitize -DCMAKE_BUILD_TYPE=Debug -DSUBSURF_SANITIZE=ON -DSUBSURF_BUILD_SHARED=OFF >/dev/null
 cmake --build build/sanitize -j"$jobs"
-(cd build/sanitize && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j"$jobs")
+(cd build/sanitize && ASAN_OPTIONS=detect_leaks=1 LSAN_OPTIONS=suppressions="$PWD/../../tests/support/lsan.supp" UBSAN_OPTIONS=print_stacktrace=1 ctest --output-on-failure -j"$jobs")
