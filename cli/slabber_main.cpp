@@ -1,0 +1,35 @@
+// slabber: cut photographs of core trays into one image per core row.
+#include <CLI/CLI.hpp>
+
+#include "cli_support.h"
+
+#if __has_include("session_command.h")
+#include "session_command.h"
+#define SLABBER_HAVE_SESSION_COMMANDS 1
+#endif
+#if __has_include("split_command.h")
+#include "split_command.h"
+#define SLABBER_HAVE_SPLIT_COMMANDS 1
+#endif
+
+int main(int argc, char** argv) {
+  subsurf::cli::installTerminalHost("slabber");
+  CLI::App app{
+      "slabber: cut photographs of boxed core trays into one image per core row, named by depth,\n"
+      "with a comma-separated table of clipping depths."};
+  app.require_subcommand(1);
+  int exitCode = subsurf::cli::kExitOk;
+#ifdef SLABBER_HAVE_SESSION_COMMANDS
+  subsurf::cli::addSessionCommands(app, exitCode);
+#endif
+#ifdef SLABBER_HAVE_SPLIT_COMMANDS
+  subsurf::cli::addSplitCommands(app, exitCode);
+#endif
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    const int rc = app.exit(e);
+    return rc == 0 ? 0 : subsurf::cli::kExitBadInput;
+  }
+  return exitCode;
+}
