@@ -1,0 +1,371 @@
+#include "fluids_command.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli_support.h"
+#include "fluids/calculate_all.h"
+#include "fluids/fluid_entries.h"
+#include "host/fixed_text.h"
+#include "host/nulls.h"
+
+namespace subsurf::cli {
+namespace {
+
+using fluids::Entry;
+using fluids::EntryUnit;
+using fluids::FluidTable;
+
+struct FluidsOptions {
+  std::vector<std::string> sets;
+  std::string units = "oilfield";
+  std::string calc;
+  std::string batch;
+  std::string out;
+  bool json = false;
+};
+
+int unitSystemOf(const std::string& name) {
+  if (name == "metric") return 2;
+  if (name == "si") return 3;
+  return 1;
+}
+
+// Compact number text; single-precision values keep six significant digits.
+std::string numberText(float v) {
+  if (isNull(v)) return "";
+  return fmt::format("{:g}", v);
+}
+
+// Reads a whole cell as a number; nothing else may follow it.
+std::optional<float> readNumber(const std::string& text) {
+  const std::string t = trimBlanks(text);
+  if (t.empty()) return std::nullopt;
+  errno = 0;
+  char* end = nullptr;
+  const double d = std::strtod(t.c_str(), &end);
+  if (end != t.c_str() + t.size() || errno == ERANGE || !std::isfinite(d)) return std::nullopt;
+  return static_cast<float>(d);
+}
+
+std::string notAUnitMessage(Entry e, const std::string& unit) {
+  const fluids::EntryInfo& info = fluids::entryInfo(e);
+  return fmt::format("\"{}\" is not a unit of {} (entry \"{}\")", unit, info.series, info.name);
+}
+
+// One value to type into an entry, as given on the command line or in a cell.
+struct GivenValue {
+  Entry entry;
+  EntryUnit unit;
+  float value;
+};
+
+// Parses NAME=VALUE[:UNIT]; an error message on failure.
+std::optional<GivenValue> parseSet(const FluidTable& table, const std::string& arg,
+                                   std::string& error) {
+  const auto eq = arg.find('=');
+  if (eq == std::string::npos) {
+    error = fmt::format("--set \"{}\": expected NAME=VALUE[:UNIT]", arg);
+    return std::nullopt;
+  }
+  const std::string name = trimBlanks(arg.substr(0, eq));
+  std::string valueText = arg.substr(eq + 1);
+  std::string unitText;
+  if (const auto colon = valueText.find(':'); colon != std::string::npos) {
+    unitText = trimBlanks(valueText.substr(colon + 1));
+    valueText = valueText.substr(0, colon);
+  }
+  const auto entry = fluids::findEntry(name);
+  if (!entry) {
+    error = fmt::format("Unknown entry \"{}\"", name);
+    return std::nullopt;
+  }
+  const auto value = readNumber(valueText);
+  if (!value) {
+    error = fmt::format("Cannot read \"{}\" as a number for entry \"{}\"", trimBlanks(valueText),
+                        name);
+    return std::nullopt;
+  }
+  const auto unit = table.unitOf(*entry, unitText);
+  if (!unit) {
+    error = notAUnitMessage(*entry, unitText);
+    return std::nullopt;
+  }
+  return GivenValue{*entry, *unit, *value};
+}
+
+const char* stateText(const FluidTable& table, Entry e) {
+  switch (table.state(e)) {
+    case fluids::kStateTyped: return "given";
+    case fluids::kStateCalculated: return "calculated";
+    default: return isNull(table.storedValue(e)) ? "" : "default";
+  }
+}
+
+void printForms(const FluidTable& table, std::ostream& os) {
+  for (fluids::Form form : {fluids::Form::Reservoir, fluids::Form::Oil, fluids::Form::Gas}) {
+    os << fluids::formTitle(form) << "\n";
+    os << fmt::format("  {:<9} {:<37} {:>12}  {:<9} {}\n", "entry", "description", "value", "unit",
+                      "state");
+    for (const fluids::EntryInfo& info : fluids::allEntries()) {
+      if (info.form != form) continue;
+      os << fmt::format("  {:<9} {:<37} {:>12}  {:<9} {}\n", info.name, info.description,
+                        numberText(table.storedValue(info.entry)),
+                        table.storedUnitName(info.entry), stateText(table, info.entry));
+    }
+    os << "\n";
+  }
+}
+
+// A float as JSON: the shortest decimal that reads back as the same float.
+nlohmann::json jsonNumber(float v) {
+  if (isNull(v) || !std::isfinite(v)) return nullptr;
+  return std::strtod(fmt::format("{}", v).c_str(), nullptr);
+}
+
+void printJson(const FluidTable& table, const std::string& units, std::ostream& os) {
+  nlohmann::json forms = nlohmann::json::array();
+  for (fluids::Form form : {fluids::Form::Reservoir, fluids::Form::Oil, fluids::Form::Gas}) {
+    nlohmann::json entries = nlohmann::json::array();
+    for (const fluids::EntryInfo& info : fluids::allEntries()) {
+      if (info.form != form) continue;
+      entries.push_back({{"name", info.name},
+                         {"description", info.description},
+                         {"value", jsonNumber(table.storedValue(info.entry))},
+                         {"unit", table.storedUnitName(info.entry)},
+                         {"state", stateText(table, info.entry)}});
+    }
+    forms.push_back({{"title", fluids::formTitle(form)}, {"entries", entries}});
+  }
+  os << nlohmann::json{{"units", units}, {"forms", forms}}.dump(2) << "\n";
+}
+
+// Splits one CSV line; quoted cells may hold commas and doubled quotes.
+std::vector<std::string> splitCsv(const std::string& line) {
+  std::vector<std::string> cells;
+  std::string cell;
+  bool quoted = false;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (quoted) {
+      if (c == '"' && i + 1 < line.size() && line[i + 1] == '"') {
+        cell += '"';
+        ++i;
+      } else if (c == '"') {
+        quoted = false;
+      } else {
+        cell += c;
+      }
+    } else if (c == '"') {
+      quoted = true;
+    } else if (c == ',') {
+      cells.push_back(trimBlanks(cell));
+      cell.clear();
+    } else if (c != '\r') {
+      cell += c;
+    }
+  }
+  cells.push_back(trimBlanks(cell));
+  return cells;
+}
+
+// A header cell "name" or "name[unit]".
+struct Column {
+  Entry entry;
+  EntryUnit unit;
+};
+
+std::string headerOf(const FluidTable& table, Entry e) {
+  const std::string unit = table.storedUnitName(e);
+  const char* name = fluids::entryInfo(e).name;
+  return trimBlanks(unit).empty() ? std::string(name) : fmt::format("{}[{}]", name, unit);
+}
+
+int runBatch(const FluidsOptions& opt, const FluidTable& prototype) {
+  std::ifstream in(opt.batch);
+  if (!in) {
+    std::cerr << fmt::format("subsurf fluids: cannot open \"{}\"\n", opt.batch);
+    return kExitBadInput;
+  }
+  std::string line;
+  std::size_t row = 0;
+  std::vector<Column> columns;
+  bool haveHeader = false;
+  while (!haveHeader && std::getline(in, line)) {
+    ++row;
+    if (trimBlanks(line).empty()) continue;
+    haveHeader = true;
+    bool bad = false;
+    std::size_t col = 0;
+    for (const std::string& cell : splitCsv(line)) {
+      ++col;
+      std::string name = cell, unit;
+      if (const auto open = cell.find('['); open != std::string::npos) {
+        const auto close = cell.find(']', open);
+        name = trimBlanks(cell.substr(0, open));
+        unit = trimBlanks(cell.substr(open + 1, close == std::string::npos ? std::string::npos
+                                                                            : close - open - 1));
+      }
+      const auto entry = fluids::findEntry(name);
+      if (!entry) {
+        std::cerr << fmt::format("subsurf fluids: {} column {}: Unknown entry \"{}\"\n",
+                                 opt.batch, col, name);
+        bad = true;
+        continue;
+      }
+      const auto u = prototype.unitOf(*entry, unit);
+      if (!u) {
+        std::cerr << fmt::format("subsurf fluids: {} column {}: {}\n", opt.batch, col,
+                                 notAUnitMessage(*entry, unit));
+        bad = true;
+        continue;
+      }
+      columns.push_back({*entry, *u});
+    }
+    if (bad) return kExitBadInput;
+  }
+  if (!haveHeader) {
+    std::cerr << fmt::format("subsurf fluids: \"{}\" has no header row\n", opt.batch);
+    return kExitBadInput;
+  }
+
+  std::unique_ptr<std::ofstream> file;
+  std::ostream* out = &std::cout;
+  if (!opt.out.empty()) {
+    file = std::make_unique<std::ofstream>(opt.out);
+    if (!*file) {
+      std::cerr << fmt::format("subsurf fluids: cannot write \"{}\"\n", opt.out);
+      return kExitBadInput;
+    }
+    out = file.get();
+  }
+
+  std::string text;
+  for (const fluids::EntryInfo& info : fluids::allEntries()) {
+    if (!text.empty()) text += ',';
+    text += headerOf(prototype, info.entry);
+  }
+  *out << text << "\n";
+
+  int exitCode = kExitOk;
+  FluidTable table;
+  while (std::getline(in, line)) {
+    ++row;
+    if (trimBlanks(line).empty()) continue;
+    table = prototype;
+    const std::vector<std::string> cells = splitCsv(line);
+    bool valid = true;
+    if (cells.size() > columns.size()) {
+      std::cerr << fmt::format("subsurf fluids: {} row {}: {} cells for {} columns\n", opt.batch,
+                               row, cells.size(), columns.size());
+      valid = false;
+    }
+    for (std::size_t c = 0; c < cells.size() && c < columns.size(); ++c) {
+      if (cells[c].empty()) continue;  // not given: calculated
+      const auto v = readNumber(cells[c]);
+      if (!v) {
+        std::cerr << fmt::format("subsurf fluids: {} row {}, column {} ({}): cannot read \"{}\" as a number\n",
+                                 opt.batch, row, c + 1, fluids::entryInfo(columns[c].entry).name,
+                                 cells[c]);
+        valid = false;
+        continue;
+      }
+      table.set(columns[c].entry, columns[c].unit, *v, fluids::kStateTyped);
+    }
+    text.clear();
+    if (valid) {
+      fluids::calculateAll(table);
+      for (const fluids::EntryInfo& info : fluids::allEntries()) {
+        if (info.entry != Entry::Dres) text += ',';
+        text += numberText(table.storedValue(info.entry));
+      }
+    } else {
+      // The case cannot be trusted: every result stays empty.
+      text.assign(fluids::kEntryCount - 1, ',');
+      exitCode = kExitPartial;
+    }
+    *out << text << "\n";
+  }
+  return exitCode;
+}
+
+int runFluids(const FluidsOptions& opt) {
+  FluidTable table;
+  table.create(unitSystemOf(opt.units));
+
+  bool bad = false;
+  for (const std::string& arg : opt.sets) {
+    std::string error;
+    const auto given = parseSet(table, arg, error);
+    if (!given) {
+      std::cerr << "subsurf fluids: " << error << "\n";
+      bad = true;
+      continue;
+    }
+    table.set(given->entry, given->unit, given->value, fluids::kStateTyped);
+  }
+  std::optional<Entry> calcEntry;
+  if (!opt.calc.empty()) {
+    calcEntry = fluids::findEntry(opt.calc);
+    if (!calcEntry) {
+      std::cerr << fmt::format("subsurf fluids: Unknown entry \"{}\"\n", opt.calc);
+      bad = true;
+    }
+  }
+  if (bad) return kExitBadInput;
+
+  if (!opt.batch.empty()) return runBatch(opt, table);
+
+  int exitCode = kExitOk;
+  if (calcEntry) {
+    // The answer, if any, has already been shown to the user.
+    if (!fluids::calculateEntry(table, *calcEntry).isOk()) exitCode = kExitPartial;
+  } else {
+    fluids::calculateAll(table);
+  }
+  if (opt.json) {
+    printJson(table, opt.units, std::cout);
+  } else {
+    printForms(table, std::cout);
+  }
+  return exitCode;
+}
+
+}  // namespace
+
+void addFluidsCommand(CLI::App& app, int& exitCode) {
+  auto opt = std::make_shared<FluidsOptions>();
+  CLI::App* cmd = app.add_subcommand(
+      "fluids", "Fluid-property calculator: fill reservoir, oil and gas properties from a few given values");
+  cmd->add_option("--set", opt->sets, "Give an entry: NAME=VALUE[:UNIT] (unit of the entry's series)")
+      ->type_name("NAME=VALUE[:UNIT]");
+  cmd->add_option("--units", opt->units, "Units the entries are shown in")
+      ->check(CLI::IsMember({"oilfield", "metric", "si"}))
+      ->default_str("oilfield");
+  CLI::Option* calc = cmd->add_option("--calc", opt->calc, "Calculate this entry alone instead of all")
+                          ->type_name("NAME");
+  cmd->add_flag("--json", opt->json, "Print the forms as JSON");
+  CLI::Option* batch =
+      cmd->add_option("--batch", opt->batch, "CSV of cases: header of entry names, e.g. dres[m]")
+          ->type_name("IN.csv")
+          ->excludes(calc);
+  cmd->add_option("--out", opt->out, "Where the batch results go (standard output by default)")
+      ->type_name("OUT.csv")
+      ->needs(batch);
+  cmd->callback([opt, &exitCode]() { exitCode = runFluids(*opt); });
+}
+
+}  // namespace subsurf::cli
