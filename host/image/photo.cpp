@@ -1,0 +1,296 @@
+#include "host/image/photo.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+
+#include <fmt/format.h>
+#include <vips/vips8>
+
+#include "host/image/bmp.h"
+#include "host/image/image_messages.h"
+#include "host/image/vips_convert.h"
+#include "host/image/vips_runtime.h"
+
+namespace subsurf::image {
+
+vips::VImage toRgb8(vips::VImage img) {
+  using vips::VImage;
+  if (img.has_alpha()) {
+    const double white = img.format() == VIPS_FORMAT_USHORT ? 65535.0 : 255.0;
+    img = img.flatten(VImage::option()->set("background", std::vector<double>{white}));
+  }
+  if (img.interpretation() != VIPS_INTERPRETATION_sRGB || img.format() != VIPS_FORMAT_UCHAR ||
+      img.bands() != 3) {
+    img = img.colourspace(VIPS_INTERPRETATION_sRGB);
+    if (img.format() != VIPS_FORMAT_UCHAR) img = img.cast(VIPS_FORMAT_UCHAR);
+    if (img.bands() == 1) img = img.bandjoin({img, img});
+    if (img.bands() > 3) img = img.extract_band(0, VImage::option()->set("n", 3));
+  }
+  return img;
+}
+
+std::string vipsReason(const vips::VError& e) {
+  std::string text = e.what();
+  while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.pop_back();
+  for (char& c : text)
+    if (c == '\n') c = ' ';
+  vips_error_clear();
+  return text;
+}
+
+using vips::VError;
+using vips::VImage;
+
+namespace {
+
+// Why a path cannot be read at all, or empty when it is a readable file.
+std::string unreadableReason(const std::string& path) {
+  struct stat st {};
+  if (path.empty()) return "no file name given";
+  if (::stat(path.c_str(), &st) != 0) return errno == ENOENT ? "file not found" : std::strerror(errno);
+  if (!S_ISREG(st.st_mode)) return "not a file";
+  return {};
+}
+
+// Rows of a lazily computed libvips image, computed a strip at a time on the
+// calling thread. The strip region is reused from call to call.
+class VipsRowSource : public RowSource {
+ public:
+  explicit VipsRowSource(VImage image) : image_(std::move(image)), region_(image_.region()) {}
+  int width() const override { return image_.width(); }
+  int height() const override { return image_.height(); }
+  Status readRows(int y0, int count, std::uint8_t* dst, std::size_t dstStride) override {
+    if (y0 < 0 || count < 0 || y0 + count > height()) return Status::error("rows out of range");
+    try {
+      region_.prepare(0, y0, width(), count);
+    } catch (const VError& e) {
+      return Status::error(vipsReason(e));
+    }
+    const std::size_t n = 3 * static_cast<std::size_t>(width());
+    for (int i = 0; i < count; ++i) {
+      std::memcpy(dst + static_cast<std::size_t>(i) * dstStride, region_.addr(0, y0 + i), n);
+    }
+    return Status::ok();
+  }
+
+ private:
+  VImage image_;
+  vips::VRegion region_;
+};
+
+}  // namespace
+
+struct Photo::Impl {
+  std::string path;
+  VImage decoded;  // in memory, as stored in the file
+  VImage upright;  // decoded, turned the way the camera was held (lazy)
+  int orientation = 1;
+};
+
+Photo::Photo() = default;
+Photo::~Photo() = default;
+Photo::Photo(Photo&&) noexcept = default;
+Photo& Photo::operator=(Photo&&) noexcept = default;
+
+const std::string& Photo::path() const {
+  static const std::string none;
+  return impl_ ? impl_->path : none;
+}
+int Photo::width() const { return impl_ ? impl_->upright.width() : 0; }
+int Photo::height() const { return impl_ ? impl_->upright.height() : 0; }
+int Photo::orientation() const { return impl_ ? impl_->orientation : 1; }
+const VImage& Photo::uprightImage() const {
+  static const VImage none;
+  return impl_ ? impl_->upright : none;
+}
+
+Status readPixelSize(const std::string& path, PixelSize& size) {
+  size = {};
+  if (Status s = ensureVips(); !s) return reportPhotoFailure(kErrorLoading, path, s.message());
+  if (std::string why = unreadableReason(path); !why.empty()) return reportPhotoFailure(kErrorLoading, path, why);
+  std::string bmpProblem;
+  if (looksLikeBmp(path)) {
+    BmpInfo info;
+    if (Status s = readBmpInfo(path, info); s) {
+      size = {info.width, info.height};
+      return Status::ok();
+    } else {
+      bmpProblem = s.message();  // libvips's optional loaders may still know the form
+    }
+  }
+  if (vips_foreign_find_load(path.c_str()) == nullptr) {
+    vips_error_clear();
+    return reportPhotoFailure(kErrorLoading, path,
+                              bmpProblem.empty() ? "not a picture in a format that can be read" : bmpProblem);
+  }
+  try {
+    // Opening reads the header only; the pixels are not decoded.
+    const VImage header = VImage::new_from_file(path.c_str());
+    size = {header.width(), header.height()};
+    if (vips_image_get_orientation_swap(header.get_image())) std::swap(size.width, size.height);
+  } catch (const VError& e) {
+    return reportPhotoFailure(kErrorLoading, path, bmpProblem.empty() ? vipsReason(e) : bmpProblem);
+  }
+  return Status::ok();
+}
+
+Status readImageAttribute(const std::string& path, std::string_view name, int& value) {
+  value = 0;
+  if (name != "npixx" && name != "npixy") return Status::error(fmt::format("unknown image attribute \"{}\"", name));
+  PixelSize size;
+  if (Status s = readPixelSize(path, size); !s) return s;
+  value = name == "npixx" ? size.width : size.height;
+  return Status::ok();
+}
+
+Status Photo::load(const std::string& path, Photo& out) {
+  out = Photo();
+  if (Status s = ensureVips(); !s) return reportPhotoFailure(kErrorLoading, path, s.message());
+  if (std::string why = unreadableReason(path); !why.empty()) return reportPhotoFailure(kErrorLoading, path, why);
+
+  auto impl = std::make_unique<Impl>();
+  impl->path = path;
+
+  std::string bmpProblem;
+  if (looksLikeBmp(path)) {
+    BmpInfo info;
+    Status s = readBmpInfo(path, info);
+    if (s) {
+      const std::size_t stride = 3 * static_cast<std::size_t>(info.width);
+      const std::size_t bytes = stride * static_cast<std::size_t>(info.height);
+      void* memory = g_try_malloc(bytes);
+      if (memory == nullptr) {
+        return reportPhotoFailure(kErrorLoading, path,
+                                  fmt::format("not enough memory for {} x {} pixels", info.width, info.height));
+      }
+      s = readBmpPixels(path, info, static_cast<std::uint8_t*>(memory), stride);
+      if (s) {
+        // libvips takes the buffer over and frees it with the image.
+        impl->decoded = VImage::new_from_memory_steal(memory, bytes, info.width, info.height, 3, VIPS_FORMAT_UCHAR);
+      } else {
+        g_free(memory);
+      }
+    }
+    if (!s) bmpProblem = s.message();
+  }
+
+  if (impl->decoded.is_null()) {
+    if (vips_foreign_find_load(path.c_str()) == nullptr) {
+      vips_error_clear();
+      return reportPhotoFailure(kErrorLoading, path,
+                                bmpProblem.empty() ? "not a picture in a format that can be read" : bmpProblem);
+    }
+    VImage file;
+    try {
+      // Sequential access lets the decoder stream top to bottom without
+      // keeping a second copy; a truncated or damaged file is an error rather
+      // than a picture with a grey bottom half.
+      file = VImage::new_from_file(path.c_str(), VImage::option()
+                                                     ->set("access", VIPS_ACCESS_SEQUENTIAL)
+                                                     ->set("fail_on", VIPS_FAIL_ON_TRUNCATED));
+      impl->orientation = vips_image_get_orientation(file.get_image());
+    } catch (const VError& e) {
+      return reportPhotoFailure(kErrorLoading, path, bmpProblem.empty() ? vipsReason(e) : bmpProblem);
+    }
+    VImage rgb;
+    try {
+      rgb = toRgb8(file);
+    } catch (const VError& e) {
+      return reportPhotoFailure(kErrorConverting, path, vipsReason(e));
+    }
+    try {
+      impl->decoded = rgb.copy_memory();
+    } catch (const VError& e) {
+      return reportPhotoFailure(kErrorLoading, path, vipsReason(e));
+    }
+  }
+
+  impl->upright = impl->decoded;
+  if (impl->orientation < 1 || impl->orientation > 8) impl->orientation = 1;
+  if (impl->orientation != 1) {
+    try {
+      impl->upright = impl->decoded.autorot();
+    } catch (const VError& e) {
+      return reportPhotoFailure(kErrorRotating, path, vipsReason(e));
+    }
+  }
+  out.impl_ = std::move(impl);
+  return Status::ok();
+}
+
+PixelBox Photo::clippedBox(const CutSpec& spec) const { return clipBox(spec.box, width(), height()); }
+
+Status Photo::openCut(const CutSpec& spec, std::unique_ptr<RowSource>& rows) const {
+  rows.reset();
+  if (!impl_) return Status::error("no photograph loaded");
+  const PixelBox box = clippedBox(spec);
+  if (box.empty()) {
+    return reportPhotoFailure(
+        kErrorConverting, impl_->path,
+        fmt::format("the rectangle at ({}, {}) of {} x {} pixels lies outside the {} x {} picture",
+                    spec.box.left, spec.box.top, spec.box.width, spec.box.height, width(), height()));
+  }
+  const int turns = ((spec.quarterTurns % 4) + 4) % 4;
+  // An angle that is a whole number of turns leaves the picture as it is.
+  double angle = std::fmod(spec.angleDegrees, 360.0);
+  if (std::fabs(angle) < 1e-9 || std::fabs(std::fabs(angle) - 360.0) < 1e-9) angle = 0.0;
+  if (!std::isfinite(angle)) {
+    return reportPhotoFailure(kErrorRotating, impl_->path, "the angle is not a number");
+  }
+
+  if (impl_->orientation == 1 && angle == 0.0 && turns == 0 && spec.flip == Flip::None) {
+    // Plain crop of the decoded pixels: hand out a view, copy nothing.
+    const auto* base = static_cast<const std::uint8_t*>(impl_->decoded.data());
+    const std::size_t stride = 3 * static_cast<std::size_t>(impl_->decoded.width());
+    const RasterView view{base + box.top * stride + 3 * static_cast<std::size_t>(box.left), box.width,
+                          box.height, stride};
+    rows = std::make_unique<ViewRowSource>(view);
+    return Status::ok();
+  }
+
+  try {
+    VImage piece;
+    if (angle == 0.0) {
+      piece = impl_->upright.extract_area(box.left, box.top, box.width, box.height);
+    } else {
+      // Turn about the centre of the picture; libvips places pixel centres on
+      // whole coordinates, so the centre of a w-wide picture is (w - 1) / 2.
+      // The output area is the box itself, so only the row is computed.
+      const double a = angle * M_PI / 180.0;
+      const double c = std::cos(a), s = std::sin(a);
+      const double cx = (width() - 1) / 2.0, cy = (height() - 1) / 2.0;
+      piece = impl_->upright.affine({c, -s, s, c}, VImage::option()
+                                                       ->set("idx", -cx)
+                                                       ->set("idy", -cy)
+                                                       ->set("odx", cx)
+                                                       ->set("ody", cy)
+                                                       ->set("oarea", std::vector<int>{box.left, box.top,
+                                                                                       box.width, box.height}));
+    }
+    if (turns == 1) piece = piece.rot(VIPS_ANGLE_D90);
+    if (turns == 2) piece = piece.rot(VIPS_ANGLE_D180);
+    if (turns == 3) piece = piece.rot(VIPS_ANGLE_D270);
+    if (spec.flip == Flip::Horizontal) piece = piece.flip(VIPS_DIRECTION_HORIZONTAL);
+    if (spec.flip == Flip::Vertical) piece = piece.flip(VIPS_DIRECTION_VERTICAL);
+    rows = std::make_unique<VipsRowSource>(piece);
+  } catch (const VError& e) {
+    return reportPhotoFailure(turns != 0 || angle != 0.0 ? kErrorRotating : kErrorConverting, impl_->path,
+                              vipsReason(e));
+  }
+  return Status::ok();
+}
+
+Status Photo::cut(const CutSpec& spec, Raster& out) const {
+  std::unique_ptr<RowSource> rows;
+  if (Status s = openCut(spec, rows); !s) return s;
+  if (Status s = readAllRows(*rows, out); !s) {
+    const bool turned = spec.quarterTurns % 4 != 0 || spec.angleDegrees != 0.0;
+    return reportPhotoFailure(turned ? kErrorRotating : kErrorConverting, impl_->path, s.message());
+  }
+  return Status::ok();
+}
+
+}  // namespace subsurf::image
