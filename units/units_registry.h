@@ -33,7 +33,7 @@ struct UnitDimension {
 
 struct UnitDefinition {
   double c1 = 1.0, c2 = 0.0, c3 = 1.0, c4 = 1.0;
-  int nc = 1;       // coefficients in force, 1..4
+  int nc = 1;       // coefficients in force, 1..4 (0: an id the file left undefined)
   int dimension = 0;
   std::string name;       // display name, up to 16 characters
   std::string otherName;  // alternative name, up to 16 characters
@@ -77,6 +77,8 @@ class UnitsRegistry {
   std::string seriesName(int iser) const;                  // "" for a bad iser
   int findSeries(std::string_view name) const;             // -1 when none
   int guessSeries(std::string_view unitName) const;        // -1 when none
+  // The first series that holds both units; -1 when none does.
+  int guessSeries(std::string_view unitA, std::string_view unitB) const;
   int findUnit(int iser, std::string_view unitName) const; // below 1 when none
   int unitId(int iser, int iun) const;                     // 0 when none
   std::string unitName(int iser, int iun) const;           // "" when none
@@ -99,22 +101,45 @@ class UnitsRegistry {
   // the value unchanged. err is 1 when a name is not a unit of the series.
   double convertByName(double value, int iser, std::string_view from, std::string_view to, int& err) const;
 
+  // The SQL script that creates and fills an equivalent relational schema, one
+  // line per element, and the same written to a file.
+  std::vector<std::string> sqlScript() const;
+  Status writeSqlScript(const std::string& path) const;
+
+  // Answer of defaultUnit() for a series out of range.
+  static constexpr int kNoDimension = -32768;
+
   const std::vector<UnitDimension>& dimensions() const { return dimensions_; }
   const std::vector<UnitDefinition>& units() const { return units_; }
   const std::vector<UnitSeries>& series() const { return series_; }
   const std::vector<SeriesEntry>& entries() const { return entries_; }
 
  private:
+  struct Plan;
+  friend class DefinitionsReader;
+
+  const SeriesEntry* entryOf(int iser, int iun) const;
   const UnitDefinition* unitOf(int iser, int iun) const;
+  // How to convert from one position to another: resolved once, then applied to
+  // any number of values.
+  Plan plan(int iser, int from, int to) const;
 
   std::vector<UnitDimension> dimensions_;
   std::vector<UnitDefinition> units_;
   std::vector<UnitSeries> series_;     // index = iser
   std::vector<SeriesEntry> entries_;   // index = entry number - 1
+  std::vector<std::string> lowerUnitNames_;  // unit names in lower case, for lookups
 };
 
 // The process-wide registry. On first use it loads "deflib:x_units.def";
 // X_INIT reloads it explicitly.
 UnitsRegistry& unitsRegistry();
+
+// Where the process-wide registry is read from.
+inline constexpr const char* kUnitsDefinitionsFile = "deflib:x_units.def";
+
+// (Re)loads the process-wide registry from kUnitsDefinitionsFile, showing the
+// user a message when the file cannot be read.
+Status reloadUnitsRegistry();
 
 }  // namespace subsurf
