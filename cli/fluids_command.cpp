@@ -131,15 +131,15 @@ void printForms(const FluidTable& table, std::ostream& os) {
 }
 
 // A float as JSON: the shortest decimal that reads back as the same float.
-nlohmann::json jsonNumber(float v) {
+nlohmann::ordered_json jsonNumber(float v) {
   if (isNull(v) || !std::isfinite(v)) return nullptr;
   return std::strtod(fmt::format("{}", v).c_str(), nullptr);
 }
 
 void printJson(const FluidTable& table, const std::string& units, std::ostream& os) {
-  nlohmann::json forms = nlohmann::json::array();
+  nlohmann::ordered_json forms = nlohmann::ordered_json::array();
   for (fluids::Form form : {fluids::Form::Reservoir, fluids::Form::Oil, fluids::Form::Gas}) {
-    nlohmann::json entries = nlohmann::json::array();
+    nlohmann::ordered_json entries = nlohmann::ordered_json::array();
     for (const fluids::EntryInfo& info : fluids::allEntries()) {
       if (info.form != form) continue;
       entries.push_back({{"name", info.name},
@@ -150,7 +150,7 @@ void printJson(const FluidTable& table, const std::string& units, std::ostream& 
     }
     forms.push_back({{"title", fluids::formTitle(form)}, {"entries", entries}});
   }
-  os << nlohmann::json{{"units", units}, {"forms", forms}}.dump(2) << "\n";
+  os << nlohmann::ordered_json{{"units", units}, {"forms", forms}}.dump(2) << "\n";
 }
 
 // Splits one CSV line; quoted cells may hold commas and doubled quotes.

@@ -1,5 +1,7 @@
 #include "fluids/fluid_entries.h"
 
+#include <algorithm>
+
 #include "host/fixed_text.h"
 #include "units/units_registry.h"
 
@@ -44,6 +46,14 @@ int seriesFor(const EntryInfo& info) {
 
 bool isBlank(std::string_view s) { return trimBlanks(s).empty(); }
 
+template <std::size_t N>
+void setName(char (&field)[N], std::string_view text) {
+  const std::string lowered = lowerCase(trimBlanks(text));
+  const std::size_t n = std::min(N - 1, lowered.size());
+  lowered.copy(field, n);
+  field[n] = '\0';
+}
+
 }  // namespace
 
 const EntryInfo& entryInfo(Entry e) { return kEntries[static_cast<std::size_t>(e)]; }
@@ -73,13 +83,13 @@ void FluidTable::create(int unitSystem) {
     Record& r = records_[index(info.entry)];
     r = Record{};
     r.iser = seriesFor(info);
-    r.unit = info.fixedUnit;
+    setName(r.unit, info.fixedUnit);
     if (r.iser >= 0) {
       int iun = reg.defaultUnit(r.iser, unitSystem);
       if (iun < 1 || iun > reg.unitCount(r.iser)) iun = reg.findUnit(r.iser, info.fixedUnit);
       if (iun >= 1) {
         r.iun = iun;
-        r.unit = lowerCase(trimBlanks(reg.unitName(r.iser, iun)));
+        setName(r.unit, reg.unitName(r.iser, iun));
       }
     }
   }
@@ -176,7 +186,7 @@ Status FluidTable::set(std::string_view name, std::string_view unit, float value
 std::string FluidTable::storedUnitName(Entry e) const {
   const Record& r = records_[index(e)];
   if (r.iser >= 0 && r.iun >= 1) return trimBlanks(unitsRegistry().unitName(r.iser, r.iun));
-  return r.unit;
+  return std::string(r.unit);
 }
 
 Status FluidTable::setStoredUnit(Entry e, std::string_view unitName) {
@@ -189,7 +199,7 @@ Status FluidTable::setStoredUnit(Entry e, std::string_view unitName) {
   if (u->iun < 1 || u->iun == r.iun) return Status::ok();
   if (!isNull(r.value)) r.value = convert(r.value, r.iser, r.iun, u->iun);
   r.iun = u->iun;
-  r.unit = lowerCase(trimBlanks(unitsRegistry().unitName(r.iser, r.iun)));
+  setName(r.unit, unitsRegistry().unitName(r.iser, r.iun));
   return Status::ok();
 }
 

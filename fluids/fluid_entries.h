@@ -122,7 +122,9 @@ class FluidTable {
     int state = kStateEmpty;
     int iser = -1;   // -1: the registry has no series for it
     int iun = 0;
-    std::string unit;  // the stored unit's name, lower case
+    // The stored unit's name in lower case, as a fixed field so that a table
+    // is a plain block of memory, cheap to copy for each case of a batch.
+    char unit[kUnitNameWidth + 1] = {};
   };
   static std::size_t index(Entry e) { return static_cast<std::size_t>(e); }
   float convert(float value, int iser, int from, int to) const;
