@@ -284,11 +284,12 @@ Status readCgmCellArray(const std::string& path, Raster& out, CgmPicture* pictur
   std::ifstream in(path, std::ios::binary);
   if (!in) return Status::error("cannot open the file");
   const std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  std::vector<CgmElement> elements;
-  if (Status s = parseCgmElements(bytes, elements); !s) return s;
-  if (elements.empty() || elements.front().elementClass != kDelimiter || elements.front().id != kBeginMetafile) {
+  // A binary metafile opens with BEGIN METAFILE (class 0, element 1).
+  if (bytes.size() < 2 || (((bytes[0] << 8) | bytes[1]) & 0xffe0) != ((kDelimiter << 12) | (kBeginMetafile << 5))) {
     return Status::error("not a binary CGM file");
   }
+  std::vector<CgmElement> elements;
+  if (Status s = parseCgmElements(bytes, elements); !s) return s;
 
   CgmPicture pic;
   int intPrecision = 16, colourPrecision = 8, vdcPrecision = 16, colourMode = 0;

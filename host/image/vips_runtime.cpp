@@ -26,6 +26,13 @@ Status startVips() {
   vips_cache_set_max_mem(0);
   vips_cache_set_max_files(0);
   vips_leak_set(FALSE);
+  // libvips also prints warnings of its own (such as "error in tile ...")
+  // for faults that reach us as errors anyway; a library inside someone
+  // else's program should not write to its terminal.
+  if (std::getenv("SUBSURF_VIPS_WARNINGS") == nullptr) {
+    g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE),
+                      [](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
+  }
   return Status::ok();
 }
 

@@ -9,7 +9,9 @@
 // optional format modules (ImageMagick, PDF, HEIF, slide scanners) are not
 // loaded unless SUBSURF_VIPS_MODULES=1 is set: they are not needed for the
 // JPEG, PNG, TIFF and BMP photographs we read, and loading them costs tens of
-// milliseconds and several megabytes per process.
+// milliseconds and several megabytes per process. libvips's own warnings
+// are silenced (their faults reach callers as errors) unless
+// SUBSURF_VIPS_WARNINGS is set.
 #pragma once
 
 #include "host/status.h"
