@@ -239,6 +239,7 @@ class CoreSession {
   void close();
   bool initialised() const { return root_ != nullptr; }
   void setTemplateReader(TemplateReader reader) { templateReader_ = std::move(reader); }
+  bool hasTemplateReader() const { return static_cast<bool>(templateReader_); }
   void setRefreshHook(RefreshHook hook) { refreshHook_ = std::move(hook); }
 
   // --- Images ---------------------------------------------------------------
@@ -386,6 +387,11 @@ class CoreSession {
   static void writeImageDepths(const CoreImage& image, Dataset* table, int record);
   // Rewrites the whole table from the images (record k = image at place k).
   void refreshImageTable(Dataset* table);
+  // The table kept in step with the image list: images created, deleted and
+  // reordered through the session add, remove and move its records (nullptr:
+  // none). Not owned.
+  void setImageTable(Dataset* table) { table_ = table; }
+  Dataset* imageTableOf() const { return table_; }
 
  private:
   void ensureInitialised();
@@ -411,6 +417,7 @@ class CoreSession {
   int windowWidth_ = 0;
   int windowHeight_ = 0;
   bool redraw_ = false;
+  Dataset* table_ = nullptr;
   TemplateReader templateReader_;
   RefreshHook refreshHook_;
 };
@@ -418,14 +425,16 @@ class CoreSession {
 // The one session behind the exported routines.
 CoreSession& coreSession();
 
-// The session's start-up as SLABCUT_INIT runs it: loads the data dictionary
-// "deflib:coredsdefs.dsdefs" (showing "Cannot proceeed - no data dictionary!"
-// when that fails), sets up the image table from it, then COR_INIT and
-// COR_USERRE. Returns 0 when started.
+// The session's start-up as SLABCUT_INIT runs it, without the user settings:
+// loads the data dictionary "deflib:coredsdefs.dsdefs" (showing "Cannot
+// proceeed - no data dictionary!" and returning 1 when that fails), makes the
+// image table "cor_images" from it (replacing an earlier one) and hands it to
+// the session, then sets the session up (init()). Returns 0 when started.
 int startSlabber(CoreSession& session);
 
-// The image table of the process-wide session (made by startSlabber from the
-// dictionary; nullptr before).
+// The image table made by the last startSlabber (nullptr before), and its
+// dataset handle for the C interface (0 before).
 Dataset* imageTable();
+int imageTableHandle();
 
 }  // namespace subsurf
