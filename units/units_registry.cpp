@@ -53,11 +53,13 @@ int UnitsRegistry::unitCount(int iser) const {
 int UnitsRegistry::listedUnitCount(int iser) const {
   if (!validSeries(iser)) return 0;
   int n = 0;
-  for (int iun = 1; iun <= unitCount(iser); ++iun) {
-    const SeriesEntry* e = entryOf(iser, iun);
-    if (e && e->listing == 0) ++n;
-  }
+  for (int iun = 1; iun <= unitCount(iser); ++iun) n += isListed(iser, iun) ? 1 : 0;
   return n;
+}
+
+bool UnitsRegistry::isListed(int iser, int iun) const {
+  const SeriesEntry* e = entryOf(iser, iun);
+  return e && e->listing == 0;
 }
 
 std::string UnitsRegistry::seriesName(int iser) const {
@@ -142,10 +144,8 @@ int UnitsRegistry::defaultUnit(int iser, int system) const {
 
 std::vector<std::string> UnitsRegistry::listedUnitNames(int iser) const {
   std::vector<std::string> names;
-  for (int iun = 1; iun <= unitCount(iser); ++iun) {
-    const SeriesEntry* e = entryOf(iser, iun);
-    if (e && e->listing == 0) names.push_back(unitName(iser, iun));
-  }
+  for (int iun = 1; iun <= unitCount(iser); ++iun)
+    if (isListed(iser, iun)) names.push_back(unitName(iser, iun));
   return names;
 }
 

@@ -74,6 +74,7 @@ class UnitsRegistry {
   bool validSeries(int iser) const;
   int unitCount(int iser) const;        // 0 for a bad iser
   int listedUnitCount(int iser) const;  // units whose listing flag is 0
+  bool isListed(int iser, int iun) const;  // offered in pick lists
   std::string seriesName(int iser) const;                  // "" for a bad iser
   int findSeries(std::string_view name) const;             // -1 when none
   int guessSeries(std::string_view unitName) const;        // -1 when none
