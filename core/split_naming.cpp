@@ -71,25 +71,12 @@ std::string folderOf(std::string_view sourcePath) {
 
 std::string_view lightTag(int uvSetting) { return uvSetting == 1 ? "UV" : "WL"; }
 
-std::string_view formatSuffix(RowFormat format) {
-  switch (format) {
-    case RowFormat::Bmp: return ".bmp";
-    case RowFormat::Cgm: return ".cgm";
-    case RowFormat::Png: return ".png";
-    case RowFormat::Jpeg: return ".jpg";
-    case RowFormat::Tiff: return ".tif";
-  }
-  return ".bmp";
-}
-
 bool parseRowFormat(std::string_view text, RowFormat& out) {
-  const std::string t = lowerCase(trimBlanks(text));
-  if (t == "bmp") out = RowFormat::Bmp;
-  else if (t == "cgm") out = RowFormat::Cgm;
-  else if (t == "png") out = RowFormat::Png;
-  else if (t == "jpg" || t == "jpeg") out = RowFormat::Jpeg;
-  else if (t == "tif" || t == "tiff") out = RowFormat::Tiff;
-  else return false;
+  const std::string t = trimBlanks(text);
+  if (t.empty() || t.find_first_of("./\\") != std::string::npos) return false;
+  const auto format = image::formatForFileName("row." + t);
+  if (!format) return false;
+  out = *format;
   return true;
 }
 
@@ -125,7 +112,7 @@ std::string rowImageName(std::string_view sourcePath, int uvSetting, float top, 
   }
   name += '_';
   name += depthText(top, base, options.precisionOption);
-  name += formatSuffix(options.format);
+  name += image::formatSuffix(options.format);
   return joinFolder(outputFolderFor(sourcePath, options), name);
 }
 

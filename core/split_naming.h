@@ -18,6 +18,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/image/image_writer.h"
+
 namespace subsurf::split {
 
 // Depth-text precisions: two decimals in eight characters (the default) or,
@@ -25,8 +27,9 @@ namespace subsurf::split {
 inline constexpr int kPrecisionCentimetre = 1;
 inline constexpr int kPrecisionMillimetre = 2;
 
-// The output formats a row image can be written in.
-enum class RowFormat { Bmp, Cgm, Png, Jpeg, Tiff };
+// The output formats a row image can be written in: bitmaps and metafiles,
+// the tool's own two, and PNG, JPEG and TIFF for other software.
+using RowFormat = image::ImageFormat;
 
 // A real in a fixed field of `width` characters with `decimals` decimals,
 // right-justified with leading blanks, rounded half away from zero. A value too
@@ -52,8 +55,8 @@ std::string folderOf(std::string_view sourcePath);
 // "UV" when the photograph's "UV" setting is 1, "WL" for any other value.
 std::string_view lightTag(int uvSetting);
 
-// ".bmp", ".cgm", ".png", ".jpg" or ".tif".
-std::string_view formatSuffix(RowFormat format);
+// The suffix of each format (".bmp", ".cgm", ".png", ".jpg", ".tif") is
+// image::formatSuffix.
 
 // Parses "bmp", "cgm", "png", "jpg"/"jpeg", "tif"/"tiff" (any case); false otherwise.
 bool parseRowFormat(std::string_view text, RowFormat& out);

@@ -1,0 +1,380 @@
+#include "core/split_process.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "core/core_session.h"
+#include "host/atomic_file.h"
+#include "host/fixed_text.h"
+#include "host/image/image_messages.h"
+#include "host/image/photo.h"
+#include "host/messages.h"
+#include "host/nulls.h"
+#include "host/paths.h"
+#include "units/scalar_units.h"
+
+namespace subsurf::split {
+
+namespace {
+
+bool hasValue(float v) { return !isNoValue(v); }
+
+// A row depth in the unit the run names and reports in.
+float depthIn(const DT_RSCA& rec, const std::string& unit) {
+  if (!hasValue(rec.V) || unit.empty()) return rec.V;
+  return valueIn(rec, unit);
+}
+
+std::string rowName(const PhotoJob& job, const RowJob& row, const SplitOptions& options) {
+  NamingOptions naming = options.naming;
+  naming.format = job.format;
+  return rowImageName(job.photoPath, job.uvSetting, row.top, row.base, naming);
+}
+
+bool rowHasDepths(const CoreImage& image, int row) {
+  if (row > kMaxStoredRows) return false;
+  return hasValue(image.realValue(rowTopSetting(row))) && hasValue(image.realValue(rowBaseSetting(row)));
+}
+
+}  // namespace
+
+int PhotoOutcome::rowsWritten() const {
+  return static_cast<int>(std::count_if(rows.begin(), rows.end(),
+                                        [](const RowOutcome& r) { return r.result == RowResult::Written; }));
+}
+
+int PhotoOutcome::rowsFailed() const { return static_cast<int>(rows.size()) - rowsWritten(); }
+
+std::string locatePhoto(std::string_view sourceFile) {
+  std::string path = trimBlanks(sourceFile);
+  if (path.empty() || fileExists(path)) return path;
+  if (path.find('\\') != std::string::npos) {
+    std::string forward = path;
+    std::replace(forward.begin(), forward.end(), '\\', '/');
+    if (fileExists(forward)) return forward;
+  }
+  return path;
+}
+
+RowFormat formatForImage(const CoreImage& image, const SplitOptions& options) {
+  if (options.formatChosen) return options.naming.format;
+  if (image.intValue(kIntOverride) == 1) return image.intValue(kIntCgm) == 1 ? RowFormat::Cgm : RowFormat::Bmp;
+  return options.naming.format;
+}
+
+PhotoJob makePhotoJob(const CoreImage& image, int place, const SplitOptions& options) {
+  PhotoJob job;
+  job.place = place;
+  job.imageId = image.id;
+  job.sourceFile = image.sourceFile();
+  job.photoPath = locatePhoto(job.sourceFile);
+  job.uvSetting = image.intValue(kIntUV);
+  job.horizontalSetting = image.intValue(kIntHorizontal);
+  job.reverseSetting = image.intValue(kIntReverse);
+  job.shownWidth = image.intValue(kIntPixelWidth);
+  job.shownHeight = image.intValue(kIntPixelHeight);
+  const std::string unit = trimBlanks(options.reportUnit);
+  job.coreLength = depthIn(image.realSetting(kRealCoreLength), unit);
+  job.angleDegrees = hasValue(image.angle) ? image.angle : 0.0f;
+  job.displayReduction =
+      hasValue(image.displayReduction) && image.displayReduction > 0.0f ? image.displayReduction
+                                                                        : options.displayReduction;
+  job.format = formatForImage(image, options);
+  int k = 0;
+  for (const CoreRectangle* r = image.rectangles; r != nullptr; r = r->next) {
+    RowJob row;
+    row.number = ++k;
+    const Polygon& poly = r->polygon;
+    const int n = std::min({poly.n, static_cast<int>(poly.px.size()), static_cast<int>(poly.py.size())});
+    for (int i = 0; i < n; ++i) row.vertices.push_back({poly.px[i], poly.py[i]});
+    if (k <= kMaxStoredRows) {
+      row.top = depthIn(image.realSetting(rowTopSetting(k)), unit);
+      row.base = depthIn(image.realSetting(rowBaseSetting(k)), unit);
+    } else {
+      // Rows beyond the last depth setting have no depths of their own.
+      row.top = kRealNull;
+      row.base = kRealNull;
+    }
+    job.rows.push_back(std::move(row));
+  }
+  return job;
+}
+
+PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
+  PhotoOutcome out;
+  out.place = job.place;
+  out.sourceFile = job.sourceFile;
+  out.reportLines.push_back(reportSourceLine(job.sourceFile));
+  const std::string stub = outputStub(job.photoPath, options.naming);
+  const std::string& photoName = job.sourceFile;
+
+  image::Photo photo;
+  bool photoTried = false;
+  for (std::size_t i = 0; i < job.rows.size(); ++i) {
+    const RowJob& row = job.rows[i];
+    RowOutcome ro;
+    ro.number = row.number;
+
+    if (!hasValue(row.top) || !hasValue(row.base)) {
+      ro.result = RowResult::NoDepths;
+      ro.problem = "no top or base depth";
+      out.errorCount += kMissingDepthPenalty;
+      out.messages.push_back(fmt::format("{}: Core {}: no top or base depth, row skipped", photoName, row.number));
+      out.rows.push_back(std::move(ro));
+      continue;
+    }
+    ro.outputName = rowName(job, row, options);
+
+    const RowBox drawn = boundingBox(row.vertices);
+    const RowOrientation orientation = decideOrientation(job.horizontalSetting, job.reverseSetting, drawn);
+    const float fraction = coreFraction(row.top, row.base, job.coreLength, options.shortenRows);
+    if (fraction <= 0.0f) {
+      // A base at or above the top is a fault in the depth table, not a row
+      // of no length: nothing sensible can be cut for it.
+      ro.result = RowResult::NoCore;
+      ro.problem = "base depth not below top depth";
+      out.errorCount += kMissingDepthPenalty;
+      out.messages.push_back(fmt::format("{}: Core {}: base depth {} is not below top depth {}, row skipped",
+                                         photoName, row.number, trimBlanks(reportDepth(row.base)),
+                                         trimBlanks(reportDepth(row.top))));
+      out.rows.push_back(std::move(ro));
+      continue;
+    }
+    if (drawn.empty()) {
+      ro.result = RowResult::NoCore;
+      ro.problem = "the rectangle has no area";
+      out.errorCount += 1;
+      out.messages.push_back(fmt::format("{}: Core {}: the rectangle has no area, row skipped", photoName, row.number));
+      out.rows.push_back(std::move(ro));
+      continue;
+    }
+
+    if (options.progress) {
+      options.progress(job.place, row.number, fmt::format("{}{}: Core {}", kProcessingImage, stub, row.number));
+    }
+
+    // The photograph is decoded once, when its first row with depths comes up
+    // (a tray with no depths at all is never decoded).
+    if (!photoTried) {
+      photoTried = true;
+      image::Photo::load(job.photoPath, photo);  // shows "Error loading: ..." itself
+    }
+    if (!photo.loaded() || photo.width() < 1 || photo.height() < 1) {
+      out.status = 1;
+      int notReached = 0;
+      for (std::size_t j = i; j < job.rows.size(); ++j) {
+        RowOutcome skipped;
+        skipped.number = job.rows[j].number;
+        skipped.result = RowResult::NotReached;
+        skipped.problem = "the photograph could not be read";
+        if (j == i) skipped.outputName = ro.outputName;
+        out.rows.push_back(std::move(skipped));
+        ++notReached;
+      }
+      out.messages.push_back(fmt::format("{}: the photograph could not be read; {} row{} not written", photoName,
+                                         notReached, notReached == 1 ? "" : "s"));
+      return out;
+    }
+
+    const SizeFactors factors =
+        sizeFactors(photo.width(), photo.height(), job.shownWidth, job.shownHeight, job.displayReduction);
+    const RowBox box = scaleBox(shortenRow(drawn, orientation, fraction), factors);
+    image::CutSpec spec;
+    spec.box = box.pixelBox();
+    spec.quarterTurns = orientation.quarterTurns();
+    spec.angleDegrees = job.angleDegrees;
+    ro.quarterTurns = spec.quarterTurns;
+    ro.cut = photo.clippedBox(spec);
+    if (ro.cut.empty()) {
+      ro.result = RowResult::Outside;
+      ro.problem = "the rectangle lies outside the photograph";
+      out.errorCount += 1;
+      out.messages.push_back(fmt::format(
+          "{}: Core {}: the rectangle ({}, {}) to ({}, {}) lies outside the {} x {} photograph, row skipped",
+          photoName, row.number, box.left, box.top, box.right, box.bottom, photo.width(), photo.height()));
+      out.rows.push_back(std::move(ro));
+      continue;
+    }
+
+    // Written under a temporary name and renamed when complete; on failure
+    // the back-end shows why and leaves nothing behind.
+    const Status written = image::cutToFile(photo, spec, ro.outputName, job.format, options.writeOptions);
+    if (!written) {
+      ro.result = RowResult::CutFailed;
+      ro.problem = written.message();
+      out.errorCount += std::abs(image::statusWord(written));
+      out.messages.push_back(fmt::format("{}: Core {}: {} not written", photoName, row.number, ro.outputName));
+      out.rows.push_back(std::move(ro));
+      continue;
+    }
+    ro.result = RowResult::Written;
+    // The table lists the row images that exist, so a package loading it
+    // never meets a missing file.
+    out.reportLines.push_back(reportRowLine(row.top, row.base, ro.outputName, options.reportStyle));
+    out.rows.push_back(std::move(ro));
+  }
+
+  if (out.errorCount >= kMissingDepthPenalty) out.messages.emplace_back(kCoreTableNotComplete);
+  else if (out.errorCount > 0) out.messages.emplace_back(kProblemsWritingImages);
+  return out;
+}
+
+std::vector<RunImage> imagesToProcess(CoreSession& session) {
+  std::vector<RunImage> list;
+  int place = 0;
+  for (CoreImage* image : session.images()) {
+    ++place;
+    if (image->intValue(kIntUse) == 0) continue;  // left out of processing by the user
+    list.push_back({place, image});
+  }
+  return list;
+}
+
+namespace {
+
+// Lays the first image's rectangles on an image that has none, scaled when
+// both photographs' displayed sizes are known.
+void deriveRectangles(CoreSession& session, const CoreImage& first, CoreImage& image) {
+  int w1 = first.intValue(kIntPixelWidth), h1 = first.intValue(kIntPixelHeight);
+  int w = image.intValue(kIntPixelWidth), h = image.intValue(kIntPixelHeight);
+  if (w1 < 1 || h1 < 1) w1 = h1 = 1;
+  if (w < 1 || h < 1 || w1 == 1) {
+    w = w1;
+    h = h1;
+  }
+  RectangleTemplate holder;
+  CoreSession::templateFromImage(first, holder, w1, h1);
+  session.applyTemplate(image, holder, w, h);
+}
+
+}  // namespace
+
+Status prepareRun(CoreSession& session, const SplitOptions& options, std::vector<PhotoJob>& jobs) {
+  jobs.clear();
+  std::vector<RunImage> list = imagesToProcess(session);
+  if (list.empty()) {
+    host::showMessage(kNoImagesFound);
+    return Status::error(std::string(kNoImagesFound));
+  }
+
+  bool missingRectangles = false, missingDepths = false;
+  for (const RunImage& ri : list) {
+    const int n = CoreSession::rectangleCount(*ri.image);
+    if (n == 0) missingRectangles = true;
+    for (int k = 1; k <= n; ++k)
+      if (!rowHasDepths(*ri.image, k)) missingDepths = true;
+    if (!hasValue(ri.image->realValue(kRealTop)) || !hasValue(ri.image->realValue(kRealBase))) missingDepths = true;
+  }
+  if (missingRectangles || missingDepths) {
+    const std::string_view question = missingRectangles ? kAskDeriveDepthsAndRectangles : kAskDeriveDepths;
+    if (host::askQuestion(question)) {
+      CoreImage& first = *list.front().image;
+      if (missingRectangles && CoreSession::rectangleCount(first) > 0) {
+        for (const RunImage& ri : list)
+          if (ri.image != &first && CoreSession::rectangleCount(*ri.image) == 0)
+            deriveRectangles(session, first, *ri.image);
+      }
+      // The first image's depths are carried over the trays that follow it,
+      // as the set-depths dialog does from a starting image.
+      session.saveSelection();
+      session.setCurrent(&first);
+      session.carryDepthsForward(nullptr);
+      session.restoreSelection();
+    }
+  }
+
+  for (const RunImage& ri : list) jobs.push_back(makePhotoJob(*ri.image, ri.place, options));
+
+  // Two rows of the run under one name would leave only the last one written.
+  std::map<std::string, std::pair<int, int>> seen;  // name -> (place, row)
+  for (const PhotoJob& job : jobs) {
+    for (const RowJob& row : job.rows) {
+      if (!hasValue(row.top) || !hasValue(row.base)) continue;
+      const std::string name = rowName(job, row, options);
+      auto [it, fresh] = seen.emplace(name, std::make_pair(job.place, row.number));
+      if (!fresh) {
+        host::showMessage(fmt::format("{} is the name of image {} Core {} and of image {} Core {}; only one is kept",
+                                      name, it->second.first, it->second.second, job.place, row.number));
+      }
+    }
+  }
+  return Status::ok();
+}
+
+std::vector<std::string> reportLines(const std::vector<PhotoOutcome>& outcomes) {
+  std::vector<std::string> lines = reportHeaderLines();
+  for (const PhotoOutcome& o : outcomes) lines.insert(lines.end(), o.reportLines.begin(), o.reportLines.end());
+  return lines;
+}
+
+std::string defaultReportFile(const SplitOptions& options, std::string_view besideFolder) {
+  std::string root = options.naming.useRootName ? trimBlanks(options.naming.rootName) : std::string();
+  if (root.empty()) root = "clipping_depths";
+  const std::string folder =
+      options.naming.outputBesidePhoto ? std::string(besideFolder) : trimBlanks(options.naming.outputFolder);
+  return joinFolder(folder, root + ".csv");
+}
+
+Status writeReportFile(const std::string& path, const std::vector<std::string>& lines) {
+  if (!ensureParentFolder(path)) {
+    std::string text = fmt::format("{}: the folder for the table of clipping depths cannot be made", path);
+    host::showMessage(text);
+    return Status::error(std::move(text));
+  }
+  AtomicFile file;
+  Status s = file.open(path);
+  if (s) {
+    for (const std::string& line : lines) file.writeLine(line);
+    s = file.commit();
+  }
+  if (!s) {
+    std::string text = fmt::format("{}: the table of clipping depths was not written ({})", path, s.message());
+    host::showMessage(text);
+    return Status::error(std::move(text));
+  }
+  return Status::ok();
+}
+
+Status finishRun(const std::vector<PhotoOutcome>& outcomes, const SplitOptions& options) {
+  for (const PhotoOutcome& o : outcomes)
+    for (const std::string& m : o.messages) host::showMessage(m);
+  if (!options.writeReport) return Status::ok();
+  const std::string path = trimBlanks(options.reportFile);
+  if (path.empty()) return Status::ok();
+  return writeReportFile(path, reportLines(outcomes));
+}
+
+RunTotals totalsOf(const std::vector<PhotoOutcome>& outcomes) {
+  RunTotals t;
+  for (const PhotoOutcome& o : outcomes) {
+    ++t.photos;
+    if (o.status != 0) ++t.photosFailed;
+    t.rows += static_cast<int>(o.rows.size());
+    t.rowsWritten += o.rowsWritten();
+    t.rowsFailed += o.rowsFailed();
+  }
+  return t;
+}
+
+int processSession(CoreSession& session, const SplitOptions& options, std::vector<PhotoOutcome>* outcomes) {
+  if (options.progress) options.progress(0, 0, kProcessingImages);
+  std::vector<PhotoJob> jobs;
+  if (!prepareRun(session, options, jobs)) return 1;
+  std::vector<PhotoOutcome> results;
+  results.reserve(jobs.size());
+  for (const PhotoJob& job : jobs) results.push_back(splitPhoto(job, options));
+  const Status report = finishRun(results, options);
+  const RunTotals totals = totalsOf(results);
+  if (outcomes) *outcomes = std::move(results);
+  return report && totals.rowsFailed == 0 ? 0 : 1;
+}
+
+SplitOptions& toolSplitOptions() {
+  static SplitOptions options;
+  return options;
+}
+
+}  // namespace subsurf::split

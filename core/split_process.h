@@ -1,0 +1,192 @@
+// Splitting: every core rectangle of every core image is cut out of its
+// photograph and written as a row image named after the row's depth interval,
+// and the table of clipping depths lists them.
+//
+// The work is split in three so that a program may cut several photographs at
+// once without sharing anything between threads:
+//   1. prepareRun() (on the session's thread) checks the session, asks about
+//      missing depths and rectangles, and copies what each photograph needs
+//      into a PhotoJob, a plain value that no longer refers to the session;
+//   2. splitPhoto() cuts one photograph: a function of its job and the options
+//      alone, returning the files written, the report lines and the messages;
+//      any number of them may run at the same time on different jobs;
+//   3. finishRun() shows the messages and writes the report in session order,
+//      so the outcome is the same however many photographs ran at once.
+// The library itself starts no threads; processSession() runs the three steps
+// one photograph after another.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/split_geometry.h"
+#include "core/split_naming.h"
+#include "core/split_report.h"
+#include "host/status.h"
+
+namespace subsurf {
+class CoreSession;
+struct CoreImage;
+}  // namespace subsurf
+
+namespace subsurf::split {
+
+// The exact texts a user sees from a run.
+inline constexpr std::string_view kProcessingImages = "Processing images...";
+inline constexpr std::string_view kProcessingImage = "Processing image: ";
+inline constexpr std::string_view kNoImagesFound = "No images found";
+inline constexpr std::string_view kCoreTableNotComplete = "Core table not complete for one or more rectangles";
+inline constexpr std::string_view kProblemsWritingImages = "Problems writing images ";
+inline constexpr std::string_view kAskDeriveDepthsAndRectangles =
+    "Some depth ranges and rectangles are missing. Do you want to derive this information from the first image?";
+inline constexpr std::string_view kAskDeriveDepths =
+    "Some depth ranges are missing. Do you want to derive this information from the first image?";
+
+// What the error count of a photograph grows by: a row without depths counts
+// 100, a row that could not be cut or written the failing routine's status (1).
+inline constexpr int kMissingDepthPenalty = 100;
+
+// Called before each row is cut: the photograph's place in the session (from
+// 1), the row's number (from 1) and the progress text "Processing image:
+// <stub>: Core <k>". May be called from several threads at once when
+// photographs are cut in parallel.
+using ProgressCallback = std::function<void(int place, int row, std::string_view text)>;
+
+struct SplitOptions {
+  NamingOptions naming;         // folder, stub, precision and the session's format (bmp or cgm)
+  bool formatChosen = false;    // naming.format was chosen for this run and beats each image's "CGM"
+  bool shortenRows = true;      // cut rows holding less than a core length to the core present
+  bool writeReport = false;     // write the table of clipping depths
+  std::string reportFile;       // where (see defaultReportFile)
+  int reportStyle = kReportStyleFull;
+  std::string reportUnit;       // depth unit of names and report; blank: the images' own
+  float displayReduction = 1.0f;  // for images that recorded none
+  image::WriteOptions writeOptions;
+  ProgressCallback progress;
+};
+
+// What one row needs: its outline (photo-window pixel coordinates) and depths
+// (nulls when unset), already in the unit the run names and reports in.
+struct RowJob {
+  int number = 0;  // k, from 1, in rectangle list order
+  std::vector<PixelPoint> vertices;
+  float top = 0.0f;
+  float base = 0.0f;
+};
+
+// A copy of what a photograph's split needs.
+struct PhotoJob {
+  int place = 0;      // in the session, from 1
+  int imageId = 0;
+  std::string sourceFile;  // as the session holds it (shown in the report)
+  std::string photoPath;   // where the photograph is found on this machine
+  int uvSetting = 0;
+  int horizontalSetting = 0;
+  int reverseSetting = 0;
+  int shownWidth = 0;   // the photograph's size as displayed when the rectangles were drawn
+  int shownHeight = 0;
+  float coreLength = 0.0f;
+  float angleDegrees = 0.0f;
+  float displayReduction = 1.0f;
+  RowFormat format = RowFormat::Bmp;
+  std::vector<RowJob> rows;
+};
+
+enum class RowResult {
+  Written,      // the row image exists under its name
+  NoDepths,     // top or base unset: skipped
+  NoCore,       // base not below top, or a rectangle without area: skipped
+  Outside,      // the rectangle lies wholly outside the photograph
+  CutFailed,    // the row could not be cut or written
+  NotReached,   // the photograph could not be read
+};
+
+struct RowOutcome {
+  int number = 0;
+  RowResult result = RowResult::NotReached;
+  std::string outputName;  // the name it has (or would have had)
+  std::string problem;     // why it was not written
+  image::PixelBox cut;     // the part of the photograph cut, before turning
+  int quarterTurns = 0;
+};
+
+struct PhotoOutcome {
+  int place = 0;
+  std::string sourceFile;
+  int status = 0;      // 1 when the photograph could not be read (none of its rows written)
+  int errorCount = 0;  // 100 per row without depths, plus the status of each failed cut
+  std::vector<std::string> reportLines;  // "Source Image, ..." and one line per row written
+  std::vector<RowOutcome> rows;
+  std::vector<std::string> messages;     // to be shown, in order
+  int rowsWritten() const;
+  int rowsFailed() const;  // every row not written
+};
+
+// The photograph's path on this machine: the session's own text when such a
+// file exists; otherwise, for sessions made on Windows, the same with "\"
+// read as "/" when that one exists; else the text as given.
+std::string locatePhoto(std::string_view sourceFile);
+
+// The format an image's rows are written in: the run's chosen format, else the
+// image's own "CGM" setting when its "Override" is 1, else the session's.
+RowFormat formatForImage(const CoreImage& image, const SplitOptions& options);
+
+// The job of one image at `place`: every rectangle with its depths.
+PhotoJob makePhotoJob(const CoreImage& image, int place, const SplitOptions& options);
+
+// Cuts one photograph (see the file comment). Never touches the session.
+PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options);
+
+// Images that take part in a run ("Use" not 0), in session order with places.
+struct RunImage {
+  int place = 0;
+  CoreImage* image = nullptr;
+};
+std::vector<RunImage> imagesToProcess(CoreSession& session);
+
+// Checks the session before a run: shows "No images found" (and returns an
+// error) when there is nothing to process; when some images lack depths (or
+// rectangles), asks whether they should be derived from the first image and,
+// on yes, carries the first image's depths forward and lays its rectangles on
+// the images that have none. Then makes the jobs.
+Status prepareRun(CoreSession& session, const SplitOptions& options, std::vector<PhotoJob>& jobs);
+
+// The table of clipping depths for outcomes in session order, as its lines.
+std::vector<std::string> reportLines(const std::vector<PhotoOutcome>& outcomes);
+
+// Writes the lines to path, complete or not at all (the folder is made when
+// missing). Failures are shown, naming the file.
+Status writeReportFile(const std::string& path, const std::vector<std::string>& lines);
+
+// The report file a run writes when none is named: <folder>/<root>.csv, the
+// root being the naming root name when set, else "clipping_depths", and the
+// folder the output folder (or `besideFolder` when rows go beside the photos).
+std::string defaultReportFile(const SplitOptions& options, std::string_view besideFolder);
+
+// Shows each outcome's messages in order and, when the report is on, writes
+// it (complete or not at all). Returns the report's failure, if any.
+Status finishRun(const std::vector<PhotoOutcome>& outcomes, const SplitOptions& options);
+
+// Totals of a run, for summaries.
+struct RunTotals {
+  int photos = 0;
+  int photosFailed = 0;
+  int rows = 0;
+  int rowsWritten = 0;
+  int rowsFailed = 0;
+};
+RunTotals totalsOf(const std::vector<PhotoOutcome>& outcomes);
+
+// The whole run, one photograph after another: "Processing images...", then
+// prepareRun, splitPhoto for each job, finishRun. Returns 0 when every row
+// was written, 1 otherwise (or when there was nothing to do).
+int processSession(CoreSession& session, const SplitOptions& options,
+                   std::vector<PhotoOutcome>* outcomes = nullptr);
+
+// The tool's output options behind the exported routines (set by the outputs
+// dialog and the session file).
+SplitOptions& toolSplitOptions();
+
+}  // namespace subsurf::split
