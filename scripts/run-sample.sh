@@ -9,7 +9,7 @@ cmake --build build/release -j"$(nproc 2>/dev/null || echo 2)" --target subsurf_
 bin=build/release/cli
 
 echo "== unit conversions =="
-for args in "100 ft m" "212 degf degc" "5000 psia bar" "35 api g/cc"; do
+for args in "100 ft m" "212 degf degc" "5000 psia bar" "35 api sg" "1 bbl m3"; do
   # shellcheck disable=SC2086
   printf '%-16s -> %s\n' "$args" "$("$bin/subsurf" units convert $args)"
 done
