@@ -137,16 +137,6 @@ TEST_F(ScalarUnits, ValueInAnotherUnitLeavesTheRecordAlone) {
   EXPECT_EQ(err, 0.02f);
 }
 
-TEST_F(ScalarUnits, DoubleValueInAnotherUnit) {
-  DT_DSCA d = makeDouble("md", depth, "m", 3048.0);
-  double v = 0.0;
-  Unit16 feet("ft");
-  DT_GETSD(&d, feet.text, &v);
-  EXPECT_NEAR(v, 10000.0, 1e-6);
-  DT_DSCAGETI(&d, &ft, &v);
-  EXPECT_NEAR(v, 10000.0, 1e-6);
-}
-
 TEST_F(ScalarUnits, StoringConvertsIntoTheRecordsUnit) {
   DT_RSCA r = depthIn("m", 0.0f);
   Unit16 feet("ft");
@@ -167,6 +157,18 @@ TEST_F(ScalarUnits, StoringConvertsIntoTheRecordsUnit) {
   const float v2 = 10.0f;
   DT_RSCASETI(&r, &ft, &v2, nullptr);
   EXPECT_NEAR(r.V, 3.048f, 1e-5);
+
+  // A blank unit name means the record's own unit.
+  Unit16 blank("");
+  const float v3 = 55.5f, err = 0.03f;
+  DT_RSCASETC(&r, blank.text, &v3, nullptr);
+  EXPECT_EQ(r.V, 55.5f);
+  EXPECT_EQ(r.VU.IUN, m);
+
+  // With an error the text shows the uncertainty.
+  DT_RSCASETCE(&r, blank.text, &value, &err, nullptr);
+  EXPECT_EQ(r.RELERR, 0.03f);
+  EXPECT_EQ(fixedText(r.CHU), "1000 +/- 3%");
 }
 
 TEST_F(ScalarUnits, RecordWithoutUnitAdoptsTheGivenOne) {
@@ -182,25 +184,6 @@ TEST_F(ScalarUnits, RecordWithoutUnitAdoptsTheGivenOne) {
   EXPECT_EQ(fixedText(r.VU.CU), unitsRegistry().unitName(depth, ft));
 }
 
-TEST_F(ScalarUnits, BlankUnitMeansTheRecordsOwnUnit) {
-  DT_RSCA r = depthIn("ft", 1.0f);
-  Unit16 blank("");
-  const float value = 55.5f;
-  DT_RSCASETC(&r, blank.text, &value, nullptr);
-  EXPECT_EQ(r.V, 55.5f);
-  EXPECT_EQ(r.VU.IUN, ft);
-}
-
-TEST_F(ScalarUnits, SetWithErrorStoresBothAndShowsTheUncertainty) {
-  DT_RSCA r = depthIn("m", 0.0f);
-  Unit16 metres("m");
-  const float value = 12.5f, err = 0.03f;
-  DT_RSCASETCE(&r, metres.text, &value, &err, nullptr);
-  EXPECT_EQ(r.V, 12.5f);
-  EXPECT_EQ(r.RELERR, 0.03f);
-  EXPECT_EQ(fixedText(r.CHU), "12.5 +/- 3%");
-}
-
 TEST_F(ScalarUnits, DoubleStoreAndChangeOfUnit) {
   DT_DSCA d = makeDouble("md", depth, "m", 0.0);
   Unit16 feet("ft");
@@ -209,6 +192,9 @@ TEST_F(ScalarUnits, DoubleStoreAndChangeOfUnit) {
   DT_DSCASETC(&d, feet.text, &value, &calculated);
   EXPECT_NEAR(d.V, 3048.0, 1e-9);
   EXPECT_EQ(d.SET, DT_STATE_CALCULATED);
+  double inFeet = 0.0;
+  DT_GETSD(&d, feet.text, &inFeet);
+  EXPECT_NEAR(inFeet, 10000.0, 1e-6);
   DT_DSCACONVUI(&d, &ft);
   EXPECT_NEAR(d.V, 10000.0, 1e-9);
   EXPECT_EQ(fixedText(d.VU.CU), "ft");
