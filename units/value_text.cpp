@@ -132,7 +132,10 @@ std::string formatValue(float value, int format) { return formatNumber(value, fo
 std::string formatValue(double value, int format) { return formatNumber(value, format, false); }
 
 std::string valueText(double value, bool single, int format, double relativeError, std::size_t width) {
-  const std::string number = formatNumber(value, format, single);
+  std::string number = formatNumber(value, format, single);
+  // A number too long for the field (many decimals of a large value) is shown
+  // with fewer significant digits rather than cut.
+  for (int digits = 7; number.size() > width && digits >= 1; --digits) number = formatReal(value, -digits);
   if (number.empty() || !hasRelativeError(relativeError)) return number;
   const std::string percent = formatReal(relativeError * 100.0, -3) + "%";
   for (const std::string& text : {number + " +/- " + percent, number + "+/-" + percent})

@@ -18,6 +18,8 @@
 //              type. From 1e7 (1e12 for doubles) up, where a single-precision
 //              value no longer holds its units digit, and for tiny numbers,
 //              general notation with |FMT| digits ("1.5e+07").
+// A number that would not fit the text at all is shown with fewer significant
+// digits (at most 7) instead of being cut.
 // The uncertainty shows 3 significant digits without trailing zeros.
 // A null value shows as an empty text (or "()" in output-only texts).
 //

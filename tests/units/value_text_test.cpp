@@ -79,6 +79,9 @@ TEST_F(ValueText, LongTextsDropBlanksThenTheUncertainty) {
   EXPECT_EQ(fixedText(real(1.23457e-05f, 0.125f, -6).CHU), "1.23457e-05+/-12.5%");
   // 13 characters of number: even without blanks it does not fit.
   EXPECT_EQ(fixedText(real(1.2345678e-05f, 0.125f, -8).CHU), "1.2345678e-05");
+  // A number that does not fit at all loses digits rather than being cut.
+  EXPECT_EQ(fixedText(real(1.0e20f, kRealNull, 2).CHU), "1e+20");
+  EXPECT_EQ(fixedText(real(-123456.789f, kRealNull, 15).CHU), "-123456.8");
   // A double's text is 32 characters wide: the same fits there.
   DT_DSCA d = makeDouble("d", -1, "", 1.2345678e-05);
   d.FMT = -8;
