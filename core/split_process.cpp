@@ -103,6 +103,21 @@ PhotoJob makePhotoJob(const CoreImage& image, int place, const SplitOptions& opt
   return job;
 }
 
+RowPlan planRow(const PhotoJob& job, const RowJob& row, const SplitOptions& options, int photoWidth,
+                int photoHeight) {
+  RowPlan plan;
+  plan.drawn = boundingBox(row.vertices);
+  plan.orientation = decideOrientation(job.horizontalSetting, job.reverseSetting, plan.drawn);
+  if (!hasValue(row.top) || !hasValue(row.base)) return plan;
+  plan.outputName = rowName(job, row, options);
+  plan.fraction = coreFraction(row.top, row.base, job.coreLength, options.shortenRows);
+  if (plan.fraction <= 0.0f || plan.drawn.empty()) return plan;
+  const SizeFactors factors = sizeFactors(photoWidth, photoHeight, job.shownWidth, job.shownHeight, job.displayReduction);
+  plan.box = scaleBox(shortenRow(plan.drawn, plan.orientation, plan.fraction), factors);
+  plan.usable = true;
+  return plan;
+}
+
 PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
   PhotoOutcome out;
   out.place = job.place;
@@ -126,12 +141,10 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
       out.rows.push_back(std::move(ro));
       continue;
     }
-    ro.outputName = rowName(job, row, options);
-
-    const RowBox drawn = boundingBox(row.vertices);
-    const RowOrientation orientation = decideOrientation(job.horizontalSetting, job.reverseSetting, drawn);
-    const float fraction = coreFraction(row.top, row.base, job.coreLength, options.shortenRows);
-    if (fraction <= 0.0f) {
+    // The photograph's size is not needed for the name or the depth checks.
+    const RowPlan early = planRow(job, row, options, 0, 0);
+    ro.outputName = early.outputName;
+    if (early.fraction <= 0.0f) {
       // A base at or above the top is a fault in the depth table, not a row
       // of no length: nothing sensible can be cut for it.
       ro.result = RowResult::NoCore;
@@ -143,7 +156,7 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
       out.rows.push_back(std::move(ro));
       continue;
     }
-    if (drawn.empty()) {
+    if (early.drawn.empty()) {
       ro.result = RowResult::NoCore;
       ro.problem = "the rectangle has no area";
       out.errorCount += 1;
@@ -179,12 +192,11 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
       return out;
     }
 
-    const SizeFactors factors =
-        sizeFactors(photo.width(), photo.height(), job.shownWidth, job.shownHeight, job.displayReduction);
-    const RowBox box = scaleBox(shortenRow(drawn, orientation, fraction), factors);
+    const RowPlan plan = planRow(job, row, options, photo.width(), photo.height());
+    const RowBox& box = plan.box;
     image::CutSpec spec;
     spec.box = box.pixelBox();
-    spec.quarterTurns = orientation.quarterTurns();
+    spec.quarterTurns = plan.orientation.quarterTurns();
     spec.angleDegrees = job.angleDegrees;
     ro.quarterTurns = spec.quarterTurns;
     ro.cut = photo.clippedBox(spec);

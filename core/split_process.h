@@ -136,6 +136,22 @@ RowFormat formatForImage(const CoreImage& image, const SplitOptions& options);
 // The job of one image at `place`: every rectangle with its depths.
 PhotoJob makePhotoJob(const CoreImage& image, int place, const SplitOptions& options);
 
+// Where one row is cut from a photograph of photoWidth x photoHeight pixels:
+// the box in the photograph's pixels (shortened to the core present and
+// scaled from the displayed picture, not yet clipped), the way it is turned,
+// and its output name. Rows without depths or with a base not below the top
+// have no plan (usable false).
+struct RowPlan {
+  bool usable = false;
+  RowBox drawn;          // bounding box of the outline as drawn
+  RowBox box;            // in the photograph's pixels
+  RowOrientation orientation;
+  float fraction = 1.0f;
+  std::string outputName;
+};
+RowPlan planRow(const PhotoJob& job, const RowJob& row, const SplitOptions& options, int photoWidth,
+                int photoHeight);
+
 // Cuts one photograph (see the file comment). Never touches the session.
 PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options);
 
