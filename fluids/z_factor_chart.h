@@ -8,6 +8,8 @@
 // the process has one chart, used from one thread.
 #pragma once
 
+#include "fluids/correlation_kernels.h"
+
 namespace subsurf::fluids {
 
 class ZFactorChart {
@@ -23,24 +25,20 @@ class ZFactorChart {
 
   // The bracket of the last successful evaluation, with 1-based upper indices
   // as the chart is usually described: row i-1..i, column j-1..j.
-  int upperRow() const { return row_; }
-  int upperColumn() const { return column_; }
-  float temperatureFraction() const { return ft_; }
-  float pressureFraction() const { return fp_; }
-  float lowerPressureValue() const { return z1_; }
-  float upperPressureValue() const { return z2_; }
+  int upperRow() const { return bracket_.row; }
+  int upperColumn() const { return bracket_.column; }
+  float temperatureFraction() const { return bracket_.ft; }
+  float pressureFraction() const { return bracket_.fp; }
+  float lowerPressureValue() const { return bracket_.z1; }
+  float upperPressureValue() const { return bracket_.z2; }
+  const kernels::ChartBracket& bracket() const { return bracket_; }
 
-  static const float kTemperatures[kRows];
-  static const float kPressures[kColumns];
-  static const float kTable[kRows][kColumns];
+  static const float (&kTemperatures)[kRows];
+  static const float (&kPressures)[kColumns];
+  static const float (&kTable)[kRows][kColumns];
 
  private:
-  int row_ = 0;
-  int column_ = 0;
-  float ft_ = 0.0f;
-  float fp_ = 0.0f;
-  float z1_ = 0.0f;
-  float z2_ = 0.0f;
+  kernels::ChartBracket bracket_;
 };
 
 // The process-wide chart behind the "zfact" entry and FC_GASZ2.

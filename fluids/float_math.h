@@ -1,0 +1,120 @@
+// Elementary functions for the single-precision correlations.
+//
+// The correlations are defined in single precision, so each exp, log and
+// power is wanted as the single-precision value nearest to the true one.
+// These routines work in double precision internally (relative error a few
+// units of 1e-16) and round once, which gives that nearest value except in
+// the rare case where the true value lies within about 1e-8 of a unit in the
+// last place of the midpoint between two floats. The C library's own powf is
+// slightly less careful (it rounds the wrong way in a few cases in ten
+// thousand), so using one definition everywhere also keeps a case computed
+// alone and the same case computed in a batch bit-for-bit equal.
+//
+// Everything here is branch-free straight-line code: the batch calculation
+// runs it in loops that the compiler turns into SIMD code.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+
+namespace subsurf::fluids::fmath {
+
+// e^x for the arguments that matter to a single-precision result: beyond
+// +-120 the result is far outside the float range either way, so the argument
+// is clamped there (infinities included); NaN stays NaN.
+inline double expWide(double x) {
+  const double xc = x < -120.0 ? -120.0 : (x > 120.0 ? 120.0 : x);
+  constexpr double kInvLn2 = 1.4426950408889634;
+  constexpr double kLn2Hi = 0x1.62e42fee00000p-1;  // trailing zeros: k * kLn2Hi is exact
+  constexpr double kLn2Lo = 0x1.a39ef35793c76p-33;
+  constexpr double kShifter = 0x1.8p52;  // adding it rounds to an integer held in the low bits
+  const double t = xc * kInvLn2 + kShifter;
+  const double k = t - kShifter;
+  const double r = (xc - k * kLn2Hi) - k * kLn2Lo;  // |r| <= ln2 / 2
+  // Taylor series of e^r to r^13 / 13!; the first omitted term is below 1e-17.
+  double p = 1.0 / 6227020800.0;
+  p = p * r + 1.0 / 479001600.0;
+  p = p * r + 1.0 / 39916800.0;
+  p = p * r + 1.0 / 3628800.0;
+  p = p * r + 1.0 / 362880.0;
+  p = p * r + 1.0 / 40320.0;
+  p = p * r + 1.0 / 5040.0;
+  p = p * r + 1.0 / 720.0;
+  p = p * r + 1.0 / 120.0;
+  p = p * r + 1.0 / 24.0;
+  p = p * r + 1.0 / 6.0;
+  p = p * r + 0.5;
+  p = p * r + 1.0;
+  p = p * r + 1.0;
+  // Scale by 2^k: the low bits of t hold k, and shifting them into the
+  // exponent field adds k to p's exponent (|k| <= 174 keeps it normal).
+  const std::uint64_t scaled =
+      std::bit_cast<std::uint64_t>(p) + (std::bit_cast<std::uint64_t>(t) << 52);
+  const double y = std::bit_cast<double>(scaled);
+  return x != x ? x : y;
+}
+
+// Natural logarithm: -inf at 0, NaN below 0 and for NaN, +inf at +inf.
+inline double logWide(double x) {
+  const std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
+  // x = m * 2^e with m in [1, 2), then m moved to [sqrt(1/2), sqrt(2)).
+  double m = std::bit_cast<double>((bits & 0x000fffffffffffffULL) | 0x3ff0000000000000ULL);
+  double e = std::bit_cast<double>(((bits >> 52) & 0x7ffULL) | 0x4330000000000000ULL) -
+             (0x1p52 + 1023.0);
+  const bool high = m > 1.4142135623730951;
+  m = high ? m * 0.5 : m;
+  e = high ? e + 1.0 : e;
+  // log(m) = 2 atanh(s) with s = (m - 1) / (m + 1), |s| < 0.172.
+  const double f = m - 1.0;
+  const double s = f / (2.0 + f);
+  const double z = s * s;
+  double q = 1.0 / 23.0;
+  q = q * z + 1.0 / 21.0;
+  q = q * z + 1.0 / 19.0;
+  q = q * z + 1.0 / 17.0;
+  q = q * z + 1.0 / 15.0;
+  q = q * z + 1.0 / 13.0;
+  q = q * z + 1.0 / 11.0;
+  q = q * z + 1.0 / 9.0;
+  q = q * z + 1.0 / 7.0;
+  q = q * z + 1.0 / 5.0;
+  q = q * z + 1.0 / 3.0;
+  const double logM = 2.0 * s + 2.0 * s * (z * q);
+  const double y = e * 0x1.62e42fee00000p-1 + (e * 0x1.a39ef35793c76p-33 + logM);
+
+  constexpr double kInf = std::numeric_limits<double>::infinity();
+  constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+  double out = x == kInf ? kInf : y;
+  out = x == 0.0 ? -kInf : out;
+  out = (x < 0.0 || x != x) ? kNaN : out;
+  return out;
+}
+
+inline float exp(float x) { return static_cast<float>(expWide(static_cast<double>(x))); }
+
+inline float log(float x) { return static_cast<float>(logWide(static_cast<double>(x))); }
+
+// x^y with the special values of the C library's powf: y = 0 or x = 1 give 1;
+// a negative base needs an integer exponent (NaN otherwise) and keeps its sign
+// for an odd one; zero and infinite bases and exponents go to 0 or infinity.
+inline float pow(float x, float y) {
+  const float ay = y < 0.0f ? -y : y;
+  // Integer test by rounding through 2^23 (every float that large is an integer).
+  const float rounded = (ay + 0x1.8p23f) - 0x1.8p23f;
+  const bool integral = ay >= 0x1p23f || rounded == ay;
+  const bool odd = integral && (static_cast<std::int32_t>(ay < 0x1p24f ? ay : 0.0f) & 1) != 0;
+  const bool negativeBase = std::bit_cast<std::uint32_t>(x) >> 31;  // -0 included
+
+  const double ax = static_cast<double>(negativeBase ? -x : x);
+  double r = expWide(static_cast<double>(y) * logWide(ax));
+  // |x| = 1 with an infinite exponent is 1 (the product above is NaN).
+  r = (ax == 1.0 && ay == std::numeric_limits<float>::infinity()) ? 1.0 : r;
+  r = (negativeBase && odd) ? -r : r;
+  constexpr float kInfF = std::numeric_limits<float>::infinity();
+  r = (x < 0.0f && x > -kInfF && !integral) ? std::numeric_limits<double>::quiet_NaN() : r;
+  r = (y == 0.0f || x == 1.0f) ? 1.0 : r;
+  return static_cast<float>(r);
+}
+
+}  // namespace subsurf::fluids::fmath
