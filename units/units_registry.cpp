@@ -290,6 +290,18 @@ LinearConversion UnitsRegistry::linearCoefficients(int iser, int from, int to, i
 
 namespace {
 
+// a*x + b, with a result that is only rounding noise taken as 0. An offset
+// conversion cancels at one point (32 degF is 0 degC), and the rounding of a, b
+// and the sum there leaves a few units of the last place of the terms; a
+// result within that of zero is zero, which is what a user expects to read.
+constexpr double kNoise = 8.0 * std::numeric_limits<double>::epsilon();
+
+inline double affine(double a, double b, double x) {
+  const double ax = a * x;
+  const double y = ax + b;
+  return std::fabs(y) <= kNoise * (std::fabs(ax) + std::fabs(b)) ? 0.0 : y;
+}
+
 // Applies a resolved plan to one value (the value is known to be convertible).
 template <typename Plan>
 double applyOne(const Plan& p, double x, int& err) {
@@ -297,7 +309,7 @@ double applyOne(const Plan& p, double x, int& err) {
   switch (p.kind) {
     case Kind::Same: return x;
     case Kind::Invalid: err = 1; return x;
-    case Kind::Linear: return p.a * x + p.b;
+    case Kind::Linear: return affine(p.a, p.b, x);
     case Kind::Reciprocal: {
       const double y = p.a * x + p.b;
       if (y == 0.0) err = -1;  // and the result is an infinity
@@ -325,8 +337,11 @@ template <typename T>
 SUBSURF_SIMD_LOOP void linearLoop(T* v, std::size_t n, double a, double b) {
   const double limit = kNeverConvertMagnitude;
   for (std::size_t i = 0; i < n; ++i) {
+    // affine() written out: a call would keep GCC from turning the selects into blends.
     const double x = v[i];  // exact for a float, so a kept value keeps its bits
-    const double y = a * x + b;
+    const double ax = a * x;
+    const double sum = ax + b;
+    const double y = std::fabs(sum) <= kNoise * (std::fabs(ax) + std::fabs(b)) ? 0.0 : sum;
     v[i] = static_cast<T>(std::fabs(x) > limit ? x : y);
   }
 }

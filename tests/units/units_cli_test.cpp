@@ -1,0 +1,106 @@
+// `subsurf units`, run as a user runs it. Needs the subsurf program built in the
+// same build tree; the tests are skipped when it is not there.
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "support/temp_dir.h"
+
+namespace {
+
+struct CommandRun {
+  int status = -1;
+  std::string out, err;
+};
+
+std::string program() {
+  const char* dir = std::getenv("SUBSURF_CLI_DIR");
+  return std::string(dir ? dir : SUBSURF_CLI_DIR) + "/subsurf";
+}
+
+CommandRun run(const std::string& args) {
+  subsurf::testing::TempDir dir;
+  const std::string out = dir.file("out"), err = dir.file("err");
+  const std::string command = program() + " " + args + " >" + out + " 2>" + err;
+  CommandRun r;
+  const int raw = std::system(command.c_str());
+  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  r.out = subsurf::testing::TempDir::read(out);
+  r.err = subsurf::testing::TempDir::read(err);
+  return r;
+}
+
+class UnitsCommand : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!std::filesystem::exists(program())) GTEST_SKIP() << program() << " is not built";
+  }
+};
+
+TEST_F(UnitsCommand, ConvertPrintsTheValueAlone) {
+  CommandRun r = run("units convert 100 ft m");
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out, "30.48\n");
+  r = run("units convert 212 degf degc");
+  EXPECT_EQ(r.out, "100\n");
+  r = run("units convert -40 DEGC degf");
+  EXPECT_EQ(r.out, "-40\n");
+  r = run("units convert 1 bar psia --series pressure");
+  EXPECT_EQ(r.out, "14.5038\n");  // 100000 / 6894.757 = 14.50377
+}
+
+TEST_F(UnitsCommand, SeriesIsTheOneHoldingBothUnits) {
+  // "m" is first a depth unit, but only the length series has miles.
+  const CommandRun r = run("units convert 1 mi m");
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out, "1609.34\n");
+}
+
+TEST_F(UnitsCommand, UnknownUnitNamesTheAdmissibleOnes) {
+  const CommandRun r = run("units convert 100 ft furlong");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.out, "");
+  EXPECT_EQ(r.err, "subsurf: Unknown unit \"furlong\" in series \"depth\"; admissible units: m, ft\n");
+}
+
+TEST_F(UnitsCommand, BadNumberAndUnknownSeries) {
+  CommandRun r = run("units convert abc ft m");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "subsurf: \"abc\" is not a number\n");
+  r = run("units convert 1 ft m --series furlongs");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("Unknown series \"furlongs\"; the series are: dimensionless, depth, length"),
+            std::string::npos);
+}
+
+TEST_F(UnitsCommand, ListMarksTheDefaultsAndHiddenUnits) {
+  CommandRun r = run("units list fraction");
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out,
+            "fraction\n"
+            "  fr               default: oilfield, metric, SI\n"
+            "  v/v\n"
+            "  vol/vol\n"
+            "  %\n"
+            "  pu\n"
+            "  p.u.             (hidden)\n");
+  r = run("units list");
+  EXPECT_EQ(r.status, 0);
+  EXPECT_NE(r.out.find("  1  depth                2 units\n"), std::string::npos);
+}
+
+TEST_F(UnitsCommand, SqlWritesTheScriptWhereAsked) {
+  subsurf::testing::TempDir dir;
+  const std::string file = dir.file("units.sql");
+  const CommandRun r = run("units sql " + file);
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out, "SQL script written to " + file + "\n");
+  EXPECT_EQ(subsurf::testing::TempDir::read(file).rfind("USE UNITS;\nCREATE TABLE UNIT_DIMS (\n", 0), 0u);
+}
+
+}  // namespace
