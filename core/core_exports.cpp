@@ -17,14 +17,10 @@ namespace ss = subsurf;
 
 namespace {
 
-ss::CoreImage* image(CoreImage** handle) {
-  return handle ? reinterpret_cast<ss::CoreImage*>(*handle) : nullptr;
-}
-ss::CoreRectangle* rect(CoreRectangle** handle) {
-  return handle ? reinterpret_cast<ss::CoreRectangle*>(*handle) : nullptr;
-}
-CoreImage* handleOf(ss::CoreImage* p) { return reinterpret_cast<CoreImage*>(p); }
-CoreRectangle* handleOf(ss::CoreRectangle* p) { return reinterpret_cast<CoreRectangle*>(p); }
+ss::CoreImage* image(CoreImage** handle) { return handle ? *handle : nullptr; }
+ss::CoreRectangle* rect(CoreRectangle** handle) { return handle ? *handle : nullptr; }
+CoreImage* handleOf(ss::CoreImage* p) { return p; }
+CoreRectangle* handleOf(ss::CoreRectangle* p) { return p; }
 
 ss::CoreSession& session() { return ss::coreSession(); }
 

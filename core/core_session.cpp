@@ -141,10 +141,13 @@ void CoreSession::refreshDisplayTexts(CoreImage& image) const {
   for (auto& r : image.reals) DT_SETRCHU(&r);
 }
 
-CoreImage* CoreSession::newImage() {
+CoreImage* CoreSession::newImage() { return newImage(std::string_view()); }
+
+CoreImage* CoreSession::newImage(std::string_view sourceFile) {
   ensureInitialised();
   auto* image = new CoreImage;
   initImage(*image);
+  if (!sourceFile.empty()) image->setSourceFile(sourceFile);
   int largest = 0;
   CoreImage* tail = root_;
   for (CoreImage* p = root_; p; p = p->next) {

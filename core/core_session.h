@@ -247,6 +247,9 @@ class CoreSession {
   // COR_IMNEW: a defaulted image appended at the end, id = largest id + 1.
   // Sets up the session first if init() has not been called.
   CoreImage* newImage();
+  // The same for a loaded photograph: the source file is set before the
+  // image-table record is written.
+  CoreImage* newImage(std::string_view sourceFile);
   // COR_IMINIT / COR_IMDFLT.
   void initImage(CoreImage& image) const;
   void defaultImageSettings(CoreImage& image) const;

@@ -11,12 +11,19 @@
 #ifndef SUBSURF_CORE_H
 #define SUBSURF_CORE_H
 
+/* Opaque to C; in C++ they are the engine's records (core/core_session.h). */
 #ifdef __cplusplus
+namespace subsurf {
+struct CoreImage;
+struct CoreRectangle;
+}
+typedef subsurf::CoreImage CoreImage;
+typedef subsurf::CoreRectangle CoreRectangle;
 extern "C" {
-#endif
-
+#else
 typedef struct CoreImage CoreImage;
 typedef struct CoreRectangle CoreRectangle;
+#endif
 
 /* Start and end. SLABCUT_INIT loads the data dictionary "coredsdefs" from
  * "deflib:" (status 1 and "Cannot proceeed - no data dictionary!" when it
@@ -116,9 +123,47 @@ void COR_POTOVIEW(CoreRectangle** rectangle, float* vx, float* vy, const int* ca
 /* within = 1 when the world point lies inside the outline or on its edge. */
 void COR_POPTWITHIN(CoreRectangle** rectangle, const float* wx, const float* wy, int* within);
 
-/* File routines of the session (session files, templates, user settings). */
-void COR_READRECTANGLES(const char* file, int* status);
+/* Session, template and user-settings files. Status 0 when done, 1 when not;
+ * every failure is shown, and a file that cannot be read whole changes
+ * nothing.
+ *
+ * COR_SAVESESSION writes the session and the tool's output options to a
+ * session file ("*.slbs"); COR_READSESSION replaces the session's images and
+ * the output options with the file's ("No session file given!" for a blank
+ * name, "This session contains no core images!" for a file without images).
+ * Both remember the file's folder as the user's sessions folder.
+ *
+ * Rectangle templates: the template in use is "userlib:rtmplts.rctml" (read by
+ * COR_INIT through COR_READRECTANGLES; a blank file name reads that one);
+ * named templates are kept one per file in the folder "userlib:rtmplts".
+ * COR_SAVERECTANGLES saves the template in use under a name (blank: its own
+ * name; "Rectangle template must be given a name!" when it has none), as the
+ * named template and as the template in use. COR_TEMPLATEDESC reads only a
+ * template file's description ("Could not open template file!").
+ * COR_TEMPLATENUM counts the named templates ("No templates defined" when
+ * there are none), COR_TEMPLATEGET gives the k-th (from 1, sorted by name),
+ * COR_TEMPLATEUSE reads a named template into the template in use.
+ *
+ * User settings "userlib:user": COR_USERWR writes them (the output folder
+ * and option as the split options hold them), COR_USERRE reads them at start
+ * (status 1 and no message when the user has none yet) and hands the output
+ * folder and option to the split. COR_USERSET / COR_USERGET set and get them
+ * (null arguments are left alone); output option 2 puts row images beside
+ * each photograph. */
+void COR_SAVESESSION(const char* file /* 260 */, int* status);
+void COR_READSESSION(const char* file /* 260 */, int* status);
+void COR_SAVERECTANGLES(const char* name /* 40 */, int* status);
+void COR_READRECTANGLES(const char* file /* 260 */, int* status);
+void COR_TEMPLATEDESC(const char* file /* 260 */, char* description /* 40 */, int* status);
+void COR_TEMPLATENUM(int* count);
+void COR_TEMPLATEGET(const int* place, char* name /* 40 */, char* description /* 40 */, int* status);
+void COR_TEMPLATEUSE(const char* name /* 40 */, int* status);
+void COR_USERWR(int* status);
 void COR_USERRE(int* status);
+void COR_USERSET(const char* sessionsPath /* 260 */, const char* outputPath /* 260 */, const int* outputOption,
+                 const char* templateName /* 40 */);
+void COR_USERGET(char* sessionsPath /* 260 */, char* outputPath /* 260 */, int* outputOption,
+                 char* templateName /* 40 */);
 
 #ifdef __cplusplus
 }
