@@ -29,6 +29,7 @@ class WatchedRows : public RowSource {
     if (!s) failed_ = true;
     return s;
   }
+  const std::uint8_t* directRow(int y) const override { return inner_.directRow(y); }
   bool failed() const { return failed_; }
 
  private:

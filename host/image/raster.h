@@ -79,6 +79,9 @@ class RowSource {
   // Copies rows y0 .. y0 + count - 1 into dst, one row every dstStride bytes.
   // On failure the message says what went wrong (without naming any file).
   virtual Status readRows(int y0, int count, std::uint8_t* dst, std::size_t dstStride) = 0;
+  // The row itself when the pixels already sit in memory, so that writers can
+  // read them in place instead of copying them first; null otherwise.
+  virtual const std::uint8_t* directRow(int /*y*/) const { return nullptr; }
 };
 
 // A RowSource over pixels already in memory.
@@ -88,6 +91,7 @@ class ViewRowSource : public RowSource {
   int width() const override { return view_.width; }
   int height() const override { return view_.height; }
   Status readRows(int y0, int count, std::uint8_t* dst, std::size_t dstStride) override;
+  const std::uint8_t* directRow(int y) const override { return view_.row(y); }
 
  private:
   RasterView view_;

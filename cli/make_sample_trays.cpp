@@ -1,0 +1,96 @@
+// make_sample_trays: draws sample photographs of boxed core trays.
+//
+// Each tray is written as a JPEG named after its depth interval
+// (TRAY_1234_5-1239_5.jpg), the trays following one another down the hole.
+// The pixel rectangles of the core rows drawn are printed as CSV and written
+// as JSON, so that a splitting session can be laid over the photographs and
+// the results checked. The same options always give the same pictures.
+//
+//   make_sample_trays --out data/samples --count 3
+//   make_sample_trays --out /tmp/bench --width 6000 --height 4000 --count 1
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+
+#include <fmt/format.h>
+
+#include "host/drawing/sample_tray.h"
+#include "host/image/image_writer.h"
+
+int main(int argc, char** argv) {
+  CLI::App app{"Draws sample core-tray photographs with the rectangles of their core rows."};
+  std::string outDir = ".";
+  int width = 2400, height = 1600, count = 3, rows = 5, quality = 85;
+  double top = 1234.5, rowLength = 1.0;
+  std::uint64_t seed = 1;
+  std::string well = "SUBSURF-1";
+  std::string layoutPath;
+  app.add_option("-o,--out", outDir, "Folder for the photographs")->capture_default_str();
+  app.add_option("--width", width, "Photograph width in pixels")->capture_default_str()->check(CLI::Range(64, 30000));
+  app.add_option("--height", height, "Photograph height in pixels")->capture_default_str()->check(CLI::Range(64, 30000));
+  app.add_option("-n,--count", count, "Number of trays")->capture_default_str()->check(CLI::Range(1, 10000));
+  app.add_option("--rows", rows, "Core rows per tray")->capture_default_str()->check(CLI::Range(1, 20));
+  app.add_option("--top", top, "Top depth of the first tray (m)")->capture_default_str()->check(CLI::Range(0.0, 99999.0));
+  app.add_option("--row-length", rowLength, "Metres of core per row")->capture_default_str()->check(CLI::Range(0.1, 10.0));
+  app.add_option("--seed", seed, "Seed of the drawing")->capture_default_str();
+  app.add_option("--well", well, "Well name on the label cards")->capture_default_str();
+  app.add_option("--quality", quality, "JPEG quality")->capture_default_str()->check(CLI::Range(1, 100));
+  app.add_option("--layout", layoutPath, "JSON file for the row rectangles (default: <out>/trays.json)");
+  CLI11_PARSE(app, argc, argv);
+
+  std::error_code ec;
+  std::filesystem::create_directories(outDir, ec);
+  if (ec) {
+    std::cerr << "make_sample_trays: cannot create " << outDir << ": " << ec.message() << "\n";
+    return 2;
+  }
+  if (layoutPath.empty()) layoutPath = (std::filesystem::path(outDir) / "trays.json").string();
+
+  nlohmann::json layout = nlohmann::json::array();
+  std::cout << "file,row,top,base,left,top_px,width,height\n";
+  double trayTop = top;
+  for (int i = 0; i < count; ++i) {
+    subsurf::drawing::SampleTraySpec spec;
+    spec.width = width;
+    spec.height = height;
+    spec.rows = rows;
+    spec.topDepth = trayTop;
+    spec.rowLength = rowLength;
+    spec.well = well;
+    spec.trayNumber = i + 1;
+    spec.seed = seed * 1000 + static_cast<std::uint64_t>(i);
+    const subsurf::drawing::SampleTray tray = subsurf::drawing::renderSampleTray(spec);
+    const std::string name = subsurf::drawing::sampleTrayFileName(tray.top, tray.base);
+    const std::string path = (std::filesystem::path(outDir) / name).string();
+    subsurf::image::WriteOptions options;
+    options.jpegQuality = quality;
+    if (!subsurf::image::writeImage(tray.pixels.view(), path, subsurf::image::ImageFormat::Jpeg, options)) {
+      return 1;  // the message has been shown
+    }
+    nlohmann::json entry = {{"file", name}, {"width", tray.pixels.width()}, {"height", tray.pixels.height()},
+                            {"top", tray.top}, {"base", tray.base}, {"rows", nlohmann::json::array()}};
+    for (const auto& row : tray.rows) {
+      entry["rows"].push_back({{"row", row.index},
+                               {"top", row.top},
+                               {"base", row.base},
+                               {"left", row.box.left},
+                               {"top_px", row.box.top},
+                               {"width", row.box.width},
+                               {"height", row.box.height}});
+      std::cout << fmt::format("{},{},{:.2f},{:.2f},{},{},{},{}\n", name, row.index, row.top, row.base, row.box.left,
+                               row.box.top, row.box.width, row.box.height);
+    }
+    layout.push_back(entry);
+    trayTop = tray.base;  // the next tray starts where this one ends
+  }
+  std::ofstream out(layoutPath);
+  out << layout.dump(2) << "\n";
+  if (!out) {
+    std::cerr << "make_sample_trays: cannot write " << layoutPath << "\n";
+    return 1;
+  }
+  return 0;
+}

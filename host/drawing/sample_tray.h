@@ -1,0 +1,55 @@
+// Believable photographs of boxed core trays, drawn from a seed, for sample
+// data, demonstrations and benchmarks.
+//
+// A tray is drawn as it would be photographed from above on a core-shed
+// table: a wooden tray with a header board (label card with well name and
+// depth interval, measuring tape), a number of channels separated by
+// dividing walls, and in each channel a row of core laid top-left to
+// bottom-right: cylinders of rock with colour, grain and bedding that change
+// with lithology, broken into pieces with gaps, rubble zones and fractures,
+// and a stretch of missing core at the end of some rows. The same seed gives
+// the same picture.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/image/raster.h"
+
+namespace subsurf::drawing {
+
+struct SampleTraySpec {
+  int width = 2400;
+  int height = 1600;
+  int rows = 5;
+  double topDepth = 1234.5;  // metres, at the left end of the first row
+  double rowLength = 1.0;    // metres of core per row
+  std::string well = "SUBSURF-1";
+  int trayNumber = 1;
+  std::uint64_t seed = 1;
+};
+
+// One core row as drawn: its depth interval and the pixel rectangle holding
+// the core (the channel's full length, the core's full diameter).
+struct SampleRow {
+  int index = 0;  // 1 for the top row
+  double top = 0.0;
+  double base = 0.0;
+  image::PixelBox box;
+};
+
+struct SampleTray {
+  image::Raster pixels;
+  double top = 0.0;
+  double base = 0.0;
+  std::vector<SampleRow> rows;
+};
+
+// Draws one tray photograph.
+SampleTray renderSampleTray(const SampleTraySpec& spec);
+
+// "TRAY_1234_5-1239_5.jpg": the depths to one decimal, four digits before it.
+std::string sampleTrayFileName(double top, double base);
+
+}  // namespace subsurf::drawing
