@@ -245,6 +245,17 @@ int CoreSession::editTrayDepth(int place, int column, float value, Dataset* tabl
   return applyRowCount(*image, table, place);
 }
 
+int CoreSession::deriveTrayLengths(CoreImage& image) {
+  const float top = image.realValue(kRealTop), base = image.realValue(kRealBase);
+  if (isNull(top) || isNull(base)) return 1;
+  const std::string unit = depthUnitOf(image.realSetting(kRealTop));
+  const float trayLength = base - top;
+  setDepth(image.realSetting(kRealTrayLength), trayLength, unit);
+  const int cores = image.intValue(kIntCoreNumber);
+  if (cores >= 1) setDepth(image.realSetting(kRealCoreLength), trayLength / static_cast<float>(cores), unit);
+  return 0;
+}
+
 // ---------------------------------------------------------------------------
 // Carrying depths forward.
 //

@@ -115,9 +115,10 @@ void CoreSession::refresh(std::string_view window) {
 
 void CoreSession::defaultView(ViewRecord& view) { view = ViewRecord{}; }
 
-void CoreSession::initImage(CoreImage& image) const {
+void CoreSession::initImage(CoreImage& image) {
   // The record keeps its place in the list (id and links) so that a linked
   // image can be reset; a new record has none yet.
+  for (CoreRectangle* r = image.rectangles; r; r = r->next) forgetRectangle(r);
   freeRectangles(image);
   for (auto& v : image.views) defaultView(v);
   for (auto& f : image.files) DT_FSCADFLT(&f, std::string(260, ' ').c_str());

@@ -251,7 +251,7 @@ class CoreSession {
   // image-table record is written.
   CoreImage* newImage(std::string_view sourceFile);
   // COR_IMINIT / COR_IMDFLT.
-  void initImage(CoreImage& image) const;
+  void initImage(CoreImage& image);
   void defaultImageSettings(CoreImage& image) const;
   static void defaultView(ViewRecord& view);  // COR_DFLTVIEW
 
@@ -374,6 +374,11 @@ class CoreSession {
   // grid does, then applies the row-count rule.
   int editTrayDepth(int place, int column, float value, Dataset* table);
 
+  // The set-depths dialog after its "Top Depth" or "Base Depth" field
+  // changed: "Tray Length" = base - top and "Core Length" = tray length /
+  // "Core Number", both marked changed. Returns 1 (nothing changed) while top
+  // or base is unset; the core length needs a core number of 1 or more.
+  static int deriveTrayLengths(CoreImage& image);
   // "OK" of the set-depths dialog: carries the current image's depths forward
   // over the trays of the same light kind that follow it. Returns 0 when the
   // run was made.

@@ -120,6 +120,20 @@ TEST_F(SessionTest, DeletedRecordsCannotComeBackThroughTheSelectionStack) {
   EXPECT_EQ(s.currentRectangle(), nullptr);
 }
 
+TEST_F(SessionTest, ResettingALinkedImageKeepsItsPlaceAndDropsItsRectangles) {
+  s.newImage();
+  CoreImage* b = s.newImage();
+  s.newImage();
+  b->intSetting(kIntUV).V = 1;
+  CoreRectangle* r = s.newRectangle(*b);
+  s.setCurrent(b, r);
+  s.initImage(*b);
+  EXPECT_EQ(ids(), (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(b->intValue(kIntUV), kIntNull);
+  EXPECT_EQ(b->rectangles, nullptr);
+  EXPECT_EQ(s.currentRectangle(), nullptr);
+}
+
 TEST_F(SessionTest, CloseDeletesEveryImageAndKeepsTheRoot) {
   for (int i = 0; i < 3; ++i) s.newRectangle(*s.newImage());
   s.close();

@@ -207,6 +207,23 @@ TEST_F(TrayTest, RowCountBoundaries) {
   EXPECT_TRUE(host::recordedMessages().empty());
 }
 
+TEST_F(TrayTest, DialogDerivesTrayAndCoreLength) {
+  CoreImage* img = tray(0);
+  setTray(img, 1000.0f, kRealNull, 4, kRealNull);
+  EXPECT_EQ(CoreSession::deriveTrayLengths(*img), 1);
+  EXPECT_TRUE(isNull(img->realValue(kRealTrayLength)));
+  img->realSetting(kRealBase).V = 1003.0f;
+  EXPECT_EQ(CoreSession::deriveTrayLengths(*img), 0);
+  EXPECT_EQ(img->realValue(kRealTrayLength), 3.0f);
+  EXPECT_EQ(img->realValue(kRealCoreLength), 0.75f);
+  EXPECT_EQ(img->realSetting(kRealCoreLength).SET, kScalarChanged);
+  img->intSetting(kIntCoreNumber).V = kIntNull;  // no core number: the core length stays
+  img->realSetting(kRealBase).V = 1004.0f;
+  EXPECT_EQ(CoreSession::deriveTrayLengths(*img), 0);
+  EXPECT_EQ(img->realValue(kRealTrayLength), 4.0f);
+  EXPECT_EQ(img->realValue(kRealCoreLength), 0.75f);
+}
+
 // ---------------------------------------------------------------------------
 // Carrying depths forward.
 
