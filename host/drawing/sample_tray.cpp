@@ -167,7 +167,8 @@ void planRow(Layout& L, RowPlan& row, Random& rnd, std::uint32_t seed) {
   for (double x = 0; x < length;) {
     Segment s;
     s.start = x;
-    s.rock = &kLithologies[rnd.chance(0.03) ? kCoal : rock];
+    const bool coal = rnd.chance(0.03);
+    s.rock = &kLithologies[coal ? kCoal : rock];
     const double shade = rnd.uniform(0.93, 1.07);
     s.tint = {shade * rnd.uniform(0.98, 1.02), shade, shade * rnd.uniform(0.98, 1.02)};
     // Most beds lie flat, crossing the core square; some dip.
@@ -175,7 +176,7 @@ void planRow(Layout& L, RowPlan& row, Random& rnd, std::uint32_t seed) {
     s.period = rnd.uniform(4.0, 16.0) * L.u;
     s.seed = seed + static_cast<std::uint32_t>(row.segments.size()) * 7919u;
     row.segments.push_back(s);
-    x += rnd.uniform(0.06, 0.7) * metre;
+    x += (coal ? rnd.uniform(0.01, 0.08) : rnd.uniform(0.06, 0.7)) * metre;  // coal seams are thin
     if (carbonate) {
       rock = kSiliciclastics + rnd.between(0, kCarbonates - 1);
     } else {
