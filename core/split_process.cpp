@@ -330,6 +330,18 @@ std::string defaultReportFile(const SplitOptions& options, std::string_view besi
   return joinFolder(folder, root + ".csv");
 }
 
+std::string reportFileFor(const SplitOptions& options, std::string_view besideFolder) {
+  std::string file = trimBlanks(options.reportFile);
+  if (file.empty()) return defaultReportFile(options, besideFolder);
+  if (fileNameStart(file) == 0) {
+    const std::string folder =
+        options.naming.outputBesidePhoto ? std::string(besideFolder) : trimBlanks(options.naming.outputFolder);
+    file = joinFolder(folder, file);
+  }
+  if (file.find('.', fileNameStart(file)) == std::string::npos) file += ".csv";
+  return file;
+}
+
 Status writeReportFile(const std::string& path, const std::vector<std::string>& lines) {
   if (!ensureParentFolder(path)) {
     std::string text = fmt::format("{}: the folder for the table of clipping depths cannot be made", path);

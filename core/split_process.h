@@ -181,6 +181,11 @@ Status writeReportFile(const std::string& path, const std::vector<std::string>& 
 // folder the output folder (or `besideFolder` when rows go beside the photos).
 std::string defaultReportFile(const SplitOptions& options, std::string_view besideFolder);
 
+// The report file of a run: the named one (options.reportFile, a bare name
+// being put in the output folder, or `besideFolder` when rows go beside the
+// photos, and given ".csv" when it has no suffix), else defaultReportFile.
+std::string reportFileFor(const SplitOptions& options, std::string_view besideFolder);
+
 // Shows each outcome's messages in order and, when the report is on, writes
 // it (complete or not at all). Returns the report's failure, if any.
 Status finishRun(const std::vector<PhotoOutcome>& outcomes, const SplitOptions& options);

@@ -164,6 +164,23 @@ TEST(DefaultReportFile, RootNameAndFolder) {
   EXPECT_EQ(defaultReportFile(o, "/beside/"), "/beside/WELL7.csv");
 }
 
+TEST(ReportFileFor, BareNamesGoBesideTheRowsWithCsvAdded) {
+  SplitOptions o;
+  o.naming.outputFolder = "/out";
+  EXPECT_EQ(reportFileFor(o, "/s"), "/out/clipping_depths.csv");
+  o.reportFile = "depths";
+  EXPECT_EQ(reportFileFor(o, "/s"), "/out/depths.csv");
+  o.reportFile = "depths.txt  ";
+  EXPECT_EQ(reportFileFor(o, "/s"), "/out/depths.txt");
+  o.reportFile = "/tables/well7";
+  EXPECT_EQ(reportFileFor(o, "/s"), "/tables/well7.csv");
+  o.reportFile = "sub.d/well7";  // a dot in a folder is not a suffix
+  EXPECT_EQ(reportFileFor(o, "/s"), "sub.d/well7.csv");
+  o.reportFile = "depths";
+  o.naming.outputBesidePhoto = true;
+  EXPECT_EQ(reportFileFor(o, "/s"), "/s/depths.csv");
+}
+
 // --- The exported routines on the process-wide session --------------------------
 
 class SplitExports : public SplitTest {

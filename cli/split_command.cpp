@@ -1,0 +1,458 @@
+#include "split_command.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "cli_support.h"
+#include "core/core_session.h"
+#include "core/session_files.h"
+#include "core/split_naming.h"
+#include "core/split_process.h"
+#include "host/drawing/preview.h"
+#include "host/fixed_text.h"
+#include "host/image/photo.h"
+#include "host/messages.h"
+#include "host/nulls.h"
+#include "host/paths.h"
+
+namespace subsurf::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+// ---------------------------------------------------------------------------
+// What the user sees while a run goes on: on a terminal a progress bar on
+// standard error, redrawn in place, with messages printed above it; otherwise
+// one plain line per photograph, so logs of batch runs stay readable.
+
+class Console {
+ public:
+  explicit Console(bool terminal) : terminal_(terminal) {}
+
+  void start(int photos, int rows) {
+    std::lock_guard lock(mutex_);
+    photos_ = photos;
+    rows_ = rows;
+    started_ = Clock::now();
+    if (!terminal_) std::fprintf(stderr, "%s\n", std::string(split::kProcessingImages).c_str());
+    drawLocked(true);
+  }
+
+  void rowStarted() {
+    std::lock_guard lock(mutex_);
+    ++rowsStarted_;
+    drawLocked(false);
+  }
+
+  void photoDone(const split::PhotoOutcome& outcome) {
+    std::lock_guard lock(mutex_);
+    ++photosDone_;
+    rowsWritten_ += outcome.rowsWritten();
+    if (!terminal_) {
+      std::fprintf(stderr, "photo %d/%d: %s: %d of %zu rows written\n", photosDone_, photos_,
+                   outcome.sourceFile.c_str(), outcome.rowsWritten(), outcome.rows.size());
+    }
+    drawLocked(true);
+  }
+
+  // The host's message callback while a run is on: printed above the bar.
+  void message(const char* text) {
+    std::lock_guard lock(mutex_);
+    ++messages_;
+    clearLocked();
+    std::fprintf(stderr, "slabber: %s\n", text);
+    drawLocked(true);
+  }
+
+  void finish() {
+    std::lock_guard lock(mutex_);
+    if (terminal_ && barShown_) {
+      drawLocked(true);
+      std::fputc('\n', stderr);
+      barShown_ = false;
+    }
+    std::fflush(stderr);
+  }
+
+  int messages() const {
+    std::lock_guard lock(mutex_);
+    return messages_;
+  }
+
+ private:
+  void clearLocked() {
+    if (terminal_ && barShown_) std::fputs("\r\033[K", stderr);
+  }
+
+  void drawLocked(bool force) {
+    if (!terminal_ || photos_ == 0) return;
+    const auto now = Clock::now();
+    if (!force && now - lastDraw_ < std::chrono::milliseconds(100)) return;
+    lastDraw_ = now;
+    constexpr int kWidth = 24;
+    const double done = rows_ > 0 ? std::min(1.0, static_cast<double>(rowsStarted_) / rows_)
+                                  : static_cast<double>(photosDone_) / photos_;
+    const double photoShare = static_cast<double>(photosDone_) / photos_;
+    const int filled = static_cast<int>(photoShare * kWidth + 0.5);
+    std::string bar(static_cast<std::size_t>(filled), '=');
+    if (filled < kWidth) bar += '>';
+    bar.resize(kWidth, ' ');
+    std::string left = "--:--";
+    const double elapsed = std::chrono::duration<double>(now - started_).count();
+    if (photosDone_ == photos_) {
+      left = "0:00";
+    } else if (done > 0.02 && elapsed > 0.5) {
+      const int seconds = static_cast<int>(elapsed * (1.0 - done) / done + 0.5);
+      left = fmt::format("{}:{:02}", seconds / 60, seconds % 60);
+    }
+    std::fprintf(stderr, "\r[%s] %d/%d photos  %d rows written  %s left\033[K", bar.c_str(), photosDone_, photos_,
+                 rowsWritten_, left.c_str());
+    std::fflush(stderr);
+    barShown_ = true;
+  }
+
+  mutable std::mutex mutex_;
+  bool terminal_;
+  bool barShown_ = false;
+  int photos_ = 0, rows_ = 0, photosDone_ = 0, rowsStarted_ = 0, rowsWritten_ = 0, messages_ = 0;
+  Clock::time_point started_ = Clock::now(), lastDraw_{};
+};
+
+Console* gConsole = nullptr;
+void consoleMessage(void*, const char* text) {
+  if (gConsole) gConsole->message(text);
+}
+
+// A yes/no question asked at the terminal (when neither --yes nor --no was given).
+int terminalQuestion(void*, const char* text) {
+  std::fprintf(stderr, "slabber: %s [y/N] ", text);
+  std::fflush(stderr);
+  std::string answer;
+  if (!std::getline(std::cin, answer)) return 0;
+  answer = trimBlanks(answer);
+  return !answer.empty() && (answer[0] == 'y' || answer[0] == 'Y') ? 1 : 0;
+}
+
+// Routes messages through the console for the length of a run, and back.
+class ConsoleHost {
+ public:
+  ConsoleHost(Console& console, bool interactive) {
+    gConsole = &console;
+    host::HostCallbacks cb;
+    cb.message = consoleMessage;
+    if (interactive) cb.question = terminalQuestion;
+    host::setHostCallbacks(cb);
+  }
+  ~ConsoleHost() {
+    installTerminalHost("slabber");
+    gConsole = nullptr;
+  }
+};
+
+// ---------------------------------------------------------------------------
+// The session and the options of a run.
+
+// Reads the session file and the user's settings into the split options.
+// False (the reason shown) when the session cannot be read.
+bool loadSession(const std::string& path, CoreSession& session, split::SplitOptions& options) {
+  if (!fileExists(path)) {
+    host::showMessage(fmt::format("{}: no such session file", path));
+    return false;
+  }
+  session.init();
+  SessionOptions sessionOptions;
+  if (!readSession(session, sessionOptions, path)) return false;  // the reason has been shown
+  UserSettings user;
+  const std::string userFile = userSettingsFile();
+  if (fileExists(userFile)) readUserSettings(userFile, user);  // a bad file leaves the defaults
+  applyUserSettings(user, options);
+  applySessionOptions(sessionOptions, options);
+  return true;
+}
+
+std::string sessionFolder(const std::string& sessionPath) {
+  fs::path folder = fs::absolute(fs::path(sessionPath)).parent_path();
+  return folder.string();
+}
+
+// Runs work(i) for i in [0, count) on up to `jobs` threads.
+template <class Work>
+void runParallel(std::size_t count, int jobs, Work work) {
+  const std::size_t threads = std::min<std::size_t>(count, static_cast<std::size_t>(std::max(1, jobs)));
+  std::atomic<std::size_t> next{0};
+  auto loop = [&] {
+    for (std::size_t i = next++; i < count; i = next++) work(i);
+  };
+  if (threads <= 1) {
+    loop();
+    return;
+  }
+  std::vector<std::thread> pool;
+  pool.reserve(threads);
+  for (std::size_t t = 0; t < threads; ++t) pool.emplace_back(loop);
+  for (std::thread& t : pool) t.join();
+}
+
+int defaultJobs() {
+  const unsigned n = std::thread::hardware_concurrency();
+  return n == 0 ? 1 : static_cast<int>(n);
+}
+
+std::string_view rowProblem(const split::RowOutcome& r) {
+  if (!r.problem.empty()) return r.problem;
+  return "not written";
+}
+
+// ---------------------------------------------------------------------------
+// slabber split
+
+struct SplitArgs {
+  std::string session;
+  std::string out;
+  std::string format;
+  std::string report;
+  bool yes = false;
+  bool no = false;
+  int jobs = 0;
+};
+
+int runSplit(const SplitArgs& args) {
+  split::SplitOptions options;
+  split::RowFormat format = split::RowFormat::Bmp;
+  if (!args.format.empty() && !split::parseRowFormat(args.format, format)) {
+    host::showMessage(fmt::format("--format {}: not one of bmp, cgm, png, jpg, tif", args.format));
+    return kExitBadInput;
+  }
+  if (args.yes) host::setDefaultAnswer(true);
+  if (args.no) host::setDefaultAnswer(false);
+
+  CoreSession session;
+  if (!loadSession(args.session, session, options)) return kExitBadInput;
+  if (!args.format.empty()) {
+    options.naming.format = format;
+    options.formatChosen = true;
+  }
+  if (!args.out.empty()) {
+    options.naming.outputFolder = args.out;
+    options.naming.outputBesidePhoto = false;
+  }
+  if (!options.naming.outputBesidePhoto && trimBlanks(options.naming.outputFolder).empty()) {
+    host::showMessage("The session names no output folder: give one with --out DIR");
+    return kExitBadInput;
+  }
+  if (!options.naming.outputBesidePhoto) {
+    // The table names every row image by its full path, so that it can be
+    // loaded from anywhere.
+    options.naming.outputFolder = fs::absolute(fs::path(trimBlanks(options.naming.outputFolder))).lexically_normal().string();
+  }
+  if (!args.report.empty()) {
+    options.writeReport = true;
+    options.reportFile = args.report;
+  } else if (options.writeReport) {
+    options.reportFile = split::reportFileFor(options, sessionFolder(args.session));
+  }
+  if (!options.naming.outputBesidePhoto) {
+    std::error_code ec;
+    fs::create_directories(options.naming.outputFolder, ec);
+    if (ec) {
+      // Every row will fail and be named; the reason is said once here.
+      host::showMessage(fmt::format("Cannot make the output folder {} ({})", options.naming.outputFolder, ec.message()));
+    }
+  }
+
+  const bool terminal = ::isatty(STDERR_FILENO) == 1;
+  const bool interactive = !args.yes && !args.no && ::isatty(STDIN_FILENO) == 1;
+  Console console(terminal);
+  ConsoleHost consoleHost(console, interactive);
+
+  std::vector<split::PhotoJob> jobs;
+  if (!split::prepareRun(session, options, jobs)) {
+    console.finish();
+    return kExitBadInput;  // "No images found" has been shown
+  }
+  int rowCount = 0;
+  for (const auto& job : jobs) rowCount += static_cast<int>(job.rows.size());
+
+  options.progress = [&console](int, int, std::string_view) { console.rowStarted(); };
+  const int jobCount = args.jobs > 0 ? args.jobs : defaultJobs();
+  console.start(static_cast<int>(jobs.size()), rowCount);
+
+  // Each photograph is a job of its own: its outcome (files, report lines,
+  // messages) depends on nothing else, so the table below comes out the same
+  // whatever the number of threads.
+  std::vector<split::PhotoOutcome> outcomes(jobs.size());
+  runParallel(jobs.size(), jobCount, [&](std::size_t i) {
+    try {
+      outcomes[i] = split::splitPhoto(jobs[i], options);
+    } catch (const std::exception& e) {
+      split::PhotoOutcome failed;
+      failed.place = jobs[i].place;
+      failed.sourceFile = jobs[i].sourceFile;
+      failed.status = 1;
+      failed.reportLines.push_back(split::reportSourceLine(jobs[i].sourceFile));
+      for (const auto& row : jobs[i].rows) {
+        split::RowOutcome r;
+        r.number = row.number;
+        r.result = split::RowResult::CutFailed;
+        r.problem = e.what();
+        failed.rows.push_back(r);
+      }
+      failed.messages.push_back(fmt::format("{}: {}", jobs[i].sourceFile, e.what()));
+      outcomes[i] = std::move(failed);
+    }
+    console.photoDone(outcomes[i]);
+    for (const std::string& m : outcomes[i].messages) host::showMessage(m);
+  });
+
+  bool reportWritten = false;
+  bool reportFailed = false;
+  if (options.writeReport && !trimBlanks(options.reportFile).empty()) {
+    reportWritten = static_cast<bool>(split::writeReportFile(options.reportFile, split::reportLines(outcomes)));
+    reportFailed = !reportWritten;
+  }
+  console.finish();
+
+  const split::RunTotals totals = split::totalsOf(outcomes);
+  std::printf("Split of %s\n", args.session.c_str());
+  std::printf("  photos:        %d", totals.photos);
+  if (totals.photosFailed > 0) std::printf(" (%d could not be read)", totals.photosFailed);
+  std::printf("\n  rows:          %d written of %d\n", totals.rowsWritten, totals.rows);
+  std::printf("  files written: %d", totals.rowsWritten + (reportWritten ? 1 : 0));
+  if (reportWritten) std::printf(" (the table of clipping depths: %s)", options.reportFile.c_str());
+  std::printf("\n  warnings:      %d\n", console.messages());
+  if (totals.rowsFailed > 0) {
+    std::printf("Rows not written:\n");
+    for (const auto& o : outcomes)
+      for (const auto& r : o.rows)
+        if (r.result != split::RowResult::Written)
+          std::printf("  %s Core %d: %s\n", o.sourceFile.c_str(), r.number, std::string(rowProblem(r)).c_str());
+  }
+  std::fflush(stdout);
+  return totals.rowsFailed > 0 || reportFailed ? kExitPartial : kExitOk;
+}
+
+// ---------------------------------------------------------------------------
+// slabber preview
+
+struct PreviewArgs {
+  std::string session;
+  std::string out;
+  int size = 1600;
+};
+
+// "1234.50-1235.50": the row's interval with the precision of the names.
+std::string intervalLabel(float top, float base, int precisionOption) {
+  const int decimals = precisionOption == split::kPrecisionMillimetre ? 3 : 2;
+  return trimBlanks(split::fixedField(top, 0, decimals)) + "-" + trimBlanks(split::fixedField(base, 0, decimals));
+}
+
+int runPreview(const PreviewArgs& args) {
+  split::SplitOptions options;
+  CoreSession session;
+  if (!loadSession(args.session, session, options)) return kExitBadInput;
+  std::string folder = args.out;
+  if (folder.empty()) folder = options.naming.outputBesidePhoto ? std::string() : trimBlanks(options.naming.outputFolder);
+  if (folder.empty()) folder = sessionFolder(args.session);
+  std::error_code ec;
+  fs::create_directories(folder, ec);
+
+  const auto images = split::imagesToProcess(session);
+  if (images.empty()) {
+    host::showMessage(split::kNoImagesFound);
+    return kExitBadInput;
+  }
+  std::map<std::string, int> stubs;
+  for (const auto& ri : images) ++stubs[split::fileStub(ri.image->sourceFile())];
+
+  drawing::PreviewOptions previewOptions;
+  previewOptions.longestSide = args.size;
+  int written = 0, failed = 0;
+  for (const auto& ri : images) {
+    const split::PhotoJob job = split::makePhotoJob(*ri.image, ri.place, options);
+    image::PixelSize size;
+    if (!image::readPixelSize(job.photoPath, size)) {  // "Error loading: ..." shown
+      ++failed;
+      continue;
+    }
+    std::vector<drawing::PreviewOutline> outlines;
+    for (const auto& row : job.rows) {
+      const split::RowPlan plan = split::planRow(job, row, options, size.width, size.height);
+      split::RowBox box = plan.box;
+      std::string label = intervalLabel(row.top, row.base, options.naming.precisionOption);
+      if (!plan.usable) {
+        // Shown where it was drawn, so the user sees which rectangle lacks depths.
+        const split::SizeFactors f =
+            split::sizeFactors(size.width, size.height, job.shownWidth, job.shownHeight, job.displayReduction);
+        box = split::scaleBox(plan.drawn, f);
+        label = isNoValue(row.top) || isNoValue(row.base) ? fmt::format("Core {}: no depths", row.number)
+                                                          : label + " (not cut)";
+      }
+      drawing::PreviewOutline outline;
+      outline.index = row.number;
+      outline.label = label;
+      outline.points = {{double(box.left), double(box.top)},
+                        {double(box.right), double(box.top)},
+                        {double(box.right), double(box.bottom)},
+                        {double(box.left), double(box.bottom)}};
+      outlines.push_back(std::move(outline));
+    }
+    std::string stub = split::fileStub(job.photoPath);
+    if (stubs[stub] > 1) stub += fmt::format("_{}", ri.place);
+    const std::string png = split::joinFolder(folder, stub + "_preview.png");
+    if (drawing::drawPreview(job.photoPath, outlines, png, previewOptions)) {
+      ++written;
+      std::printf("%s\n", png.c_str());
+    } else {
+      ++failed;
+    }
+  }
+  std::printf("Previews written: %d of %zu\n", written, images.size());
+  return failed > 0 ? kExitPartial : kExitOk;
+}
+
+}  // namespace
+
+void addSplitCommands(CLI::App& app, int& exitCode) {
+  auto splitArgs = std::make_shared<SplitArgs>();
+  CLI::App* split = app.add_subcommand(
+      "split", "Cut every core row of a session's photographs into an image named by its depths, "
+               "with the table of clipping depths");
+  split->add_option("session", splitArgs->session, "Session file (.slbs)")->required();
+  split->add_option("-o,--out", splitArgs->out, "Folder for the row images (default: the session's)");
+  split->add_option("-f,--format", splitArgs->format, "Row image format: bmp, cgm, png, jpg or tif "
+                                                     "(default: the session's, bmp or cgm)");
+  split->add_option("-r,--report", splitArgs->report, "Write the table of clipping depths to this file");
+  auto* yes = split->add_flag("-y,--yes", splitArgs->yes, "Answer yes to questions (derive missing depths "
+                                                          "and rectangles from the first image)");
+  split->add_flag("-n,--no", splitArgs->no, "Answer no to questions")->excludes(yes);
+  split->add_option("-j,--jobs", splitArgs->jobs, "Photographs cut at once (default: the number of cores)")
+      ->check(CLI::Range(1, 1024));
+  split->callback([splitArgs, &exitCode] { exitCode = runSplit(*splitArgs); });
+
+  auto previewArgs = std::make_shared<PreviewArgs>();
+  CLI::App* preview = app.add_subcommand(
+      "preview", "Draw each photograph reduced, with its row rectangles and depth intervals, to check the layout");
+  preview->add_option("session", previewArgs->session, "Session file (.slbs)")->required();
+  preview->add_option("-o,--out", previewArgs->out, "Folder for the previews (default: the session's output folder)");
+  preview->add_option("--size", previewArgs->size, "Longest side of a preview in pixels")
+      ->check(CLI::Range(64, 20000))
+      ->capture_default_str();
+  preview->callback([previewArgs, &exitCode] { exitCode = runPreview(*previewArgs); });
+}
+
+}  // namespace subsurf::cli
