@@ -55,7 +55,7 @@ constexpr std::string_view kTemplate = "template";
 // real scalars). The file-name and text scalars are keyed by their own codes.
 constexpr std::string_view kViewKey = "view";
 constexpr std::string_view kAngleKey = "angle";
-constexpr std::string_view kReductionKey = "display_reduction";
+constexpr std::string_view kReductionKey = "reduction";  // keys of real rows are at most 16 characters
 constexpr std::string_view kViewShownKey = "view_shown";
 constexpr std::string_view kCoreLengthCopyKey = "core_length_copy";
 constexpr std::string_view kTrayLengthCopyKey = "tray_length_copy";
