@@ -1,0 +1,237 @@
+// `slabber split` and `slabber preview`, run as a user runs them, on a session
+// file of small pattern photographs. Needs the slabber program built in the
+// same build tree; the tests are skipped when it is not there.
+#include <sys/wait.h>
+
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "core/session_files.h"
+#include "split/split_test_support.h"
+#include "support/temp_dir.h"
+
+namespace subsurf::split::testing {
+namespace {
+
+struct CommandRun {
+  int status = -1;
+  std::string out, err;
+};
+
+std::string program() {
+  const char* dir = std::getenv("SUBSURF_CLI_DIR");
+  return std::string(dir ? dir : SUBSURF_CLI_DIR) + "/slabber";
+}
+
+class SlabberCommand : public SplitTest {
+ protected:
+  void SetUp() override {
+    if (!fs::exists(program())) GTEST_SKIP() << program() << " is not built";
+    SplitTest::SetUp();
+    for (int i = 1; i <= 3; ++i) {
+      photos.push_back(dir.file("T" + std::to_string(i) + ".png"));
+      patterns.push_back(makePhoto(photos.back(), 300, 200));
+      addTray(session, photos.back(), 300, 200, 5, 1000.0f + 5.0f * static_cast<float>(i - 1), 1.0f);
+    }
+    sessionFile = dir.file("s.slbs");
+    save();
+  }
+  void save() { ASSERT_TRUE(saveSession(session, sessionOptions, sessionFile)); }
+
+  CommandRun run(const std::string& args) {
+    const std::string o = dir.file("stdout"), e = dir.file("stderr");
+    const std::string command = program() + " " + args + " >" + o + " 2>" + e + " </dev/null";
+    CommandRun r;
+    const int raw = std::system(command.c_str());
+    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    r.out = subsurf::testing::TempDir::read(o);
+    r.err = subsurf::testing::TempDir::read(e);
+    fs::remove(o);
+    fs::remove(e);
+    return r;
+  }
+  // The row image names of tray i (from 1), worked out from the layout:
+  // rows of 1 m from 1000 + 5 (i - 1).
+  std::vector<std::string> trayNames(int i, const std::string& suffix = ".bmp") {
+    std::vector<std::string> names;
+    for (int k = 0; k < 5; ++k) {
+      const int top = 1000 + 5 * (i - 1) + k;
+      names.push_back("T" + std::to_string(i) + "_WL_0" + std::to_string(top) + "_00-0" + std::to_string(top + 1) +
+                      "_00" + suffix);
+    }
+    return names;
+  }
+  std::vector<std::string> allNames(const std::string& suffix = ".bmp") {
+    std::vector<std::string> names;
+    for (int i = 1; i <= 3; ++i)
+      for (const auto& n : trayNames(i, suffix)) names.push_back(n);
+    return names;
+  }
+
+  std::vector<std::string> photos;
+  std::vector<Raster> patterns;
+  SessionOptions sessionOptions;
+  std::string sessionFile;
+};
+
+TEST_F(SlabberCommand, SplitWritesRowsTableAndSummary) {
+  const std::string table = outFile("t.csv");
+  const CommandRun r = run("split " + sessionFile + " --out " + out + " --report " + table + " --jobs 1");
+  EXPECT_EQ(r.status, 0) << r.err;
+  std::vector<std::string> expected = allNames();
+  expected.push_back("t.csv");
+  EXPECT_EQ(filesIn(out), expected);
+  EXPECT_EQ(r.out, "Split of " + sessionFile +
+                       "\n"
+                       "  photos:        3\n"
+                       "  rows:          15 written of 15\n"
+                       "  files written: 16 (the table of clipping depths: " + table + ")\n"
+                       "  warnings:      0\n");
+  const auto lines = readLines(table);
+  ASSERT_EQ(lines.size(), 2u + 3u * 6u);
+  EXPECT_EQ(lines[0], " Table of clipping depths,");
+  EXPECT_EQ(lines[2], "Source Image, " + photos[0]);
+  EXPECT_EQ(lines[9], "  1005.000, 0,   1006.000, 0, , " + outFile("T2_WL_01005_00-01006_00.bmp"));
+  EXPECT_EQ(lines[19], "  1014.000, 0,   1015.000, 0, , " + outFile("T3_WL_01014_00-01015_00.bmp"));
+  EXPECT_TRUE(samePixels(readRow(outFile("T3_WL_01012_00-01013_00.bmp")), region(patterns[2], {0, 80, 300, 40})));
+}
+
+TEST_F(SlabberCommand, SameOutputsWhateverTheJobCount) {
+  const std::string a = dir.file("a"), b = dir.file("b");
+  ASSERT_EQ(run("split " + sessionFile + " --out " + a + " --report " + a + "/t.csv --jobs 1").status, 0);
+  ASSERT_EQ(run("split " + sessionFile + " --out " + b + " --report " + b + "/t.csv --jobs 3").status, 0);
+  ASSERT_EQ(filesIn(a), filesIn(b));
+  for (const auto& name : filesIn(a)) {
+    if (name == "t.csv") continue;
+    EXPECT_EQ(image::testing::fileBytes(a + "/" + name), image::testing::fileBytes(b + "/" + name)) << name;
+  }
+  auto la = readLines(a + "/t.csv"), lb = readLines(b + "/t.csv");
+  ASSERT_EQ(la.size(), lb.size());
+  for (std::size_t i = 0; i < la.size(); ++i) {
+    std::string x = la[i];
+    if (const auto p = x.find(a + "/"); p != std::string::npos) x.replace(p, a.size(), b);
+    EXPECT_EQ(x, lb[i]);
+  }
+}
+
+TEST_F(SlabberCommand, SessionReportAndMetafileOptions) {
+  sessionOptions.cgms = 1;
+  sessionOptions.doReport = 1;
+  sessionOptions.reportRoot = "depths";
+  sessionOptions.reportOption = 2;
+  save();
+  const CommandRun r = run("split " + sessionFile + " --out " + out);
+  EXPECT_EQ(r.status, 0) << r.err;
+  std::vector<std::string> expected = allNames(".cgm");
+  expected.push_back("depths.csv");
+  EXPECT_EQ(filesIn(out), expected);
+  EXPECT_EQ(readLines(outFile("depths.csv"))[3], "  1000.000,   1001.000, " + outFile("T1_WL_01000_00-01001_00.cgm"));
+  EXPECT_TRUE(samePixels(readRow(outFile("T1_WL_01000_00-01001_00.cgm")), region(patterns[0], {0, 0, 300, 40})));
+}
+
+TEST_F(SlabberCommand, FormatChosenOnTheCommandLine) {
+  sessionOptions.cgms = 1;
+  save();
+  const CommandRun r = run("split " + sessionFile + " --out " + out + " --format png");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(filesIn(out), allNames(".png"));
+}
+
+TEST_F(SlabberCommand, RowsBesideThePhotographsFromTheUserSettings) {
+  UserSettings user;
+  user.outputOption = 2;
+  ASSERT_TRUE(writeUserSettings(user, userSettingsFile()));
+  const CommandRun r = run("split " + sessionFile);
+  EXPECT_EQ(r.status, 0) << r.err;
+  for (const auto& name : allNames()) EXPECT_TRUE(fs::exists(dir.file(name))) << name;
+  EXPECT_TRUE(filesIn(out).empty());
+}
+
+TEST_F(SlabberCommand, FailedPhotographNamedRowByRow) {
+  fs::remove(photos[1]);
+  const CommandRun r = run("split " + sessionFile + " --out " + out + " --jobs 2");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(filesIn(out).size(), 10u);
+  EXPECT_NE(r.err.find("slabber: Error loading: " + photos[1] + " (file not found)"), std::string::npos) << r.err;
+  std::string rows = "Rows not written:\n";
+  for (int k = 1; k <= 5; ++k) rows += "  " + photos[1] + " Core " + std::to_string(k) + ": the photograph could not be read\n";
+  EXPECT_NE(r.out.find("  photos:        3 (1 could not be read)\n  rows:          10 written of 15\n"), std::string::npos)
+      << r.out;
+  EXPECT_NE(r.out.find(rows), std::string::npos) << r.out;
+}
+
+TEST_F(SlabberCommand, OutputFolderThatCannotBeMade) {
+  image::testing::writeBytes(dir.file("file"), {1});
+  const CommandRun r = run("split " + sessionFile + " --out " + dir.file("file") + "/rows");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find("slabber: Cannot make the output folder " + dir.file("file") + "/rows"), std::string::npos);
+  EXPECT_NE(r.out.find("  rows:          0 written of 15\n"), std::string::npos) << r.out;
+  EXPECT_EQ(filesIn(dir.path().string()).size(), 6u);  // 3 photos, the session, "file", "out"
+}
+
+TEST_F(SlabberCommand, MissingDepthsAnsweredFromTheCommandLine) {
+  session.images()[1]->realSetting(rowTopSetting(3)).V = kRealNull;
+  save();
+  CommandRun r = run("split " + sessionFile + " --out " + out + " --no");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find(std::string(kAskDeriveDepths) + " [no]"), std::string::npos) << r.err;
+  EXPECT_NE(r.err.find("slabber: Core table not complete for one or more rectangles"), std::string::npos);
+  EXPECT_EQ(filesIn(out).size(), 14u);
+
+  fs::remove_all(out);
+  r = run("split " + sessionFile + " --out " + out + " --yes");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.err.find(std::string(kAskDeriveDepths) + " [yes]"), std::string::npos) << r.err;
+  EXPECT_EQ(filesIn(out), allNames());
+}
+
+TEST_F(SlabberCommand, BadArguments) {
+  CommandRun r = run("split " + dir.file("none.slbs") + " --out " + out);
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "slabber: " + dir.file("none.slbs") + ": no such session file\n");
+
+  r = run("split " + sessionFile);
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "slabber: The session names no output folder: give one with --out DIR\n");
+
+  r = run("split " + sessionFile + " --out " + out + " --format gif");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "slabber: --format gif: not one of bmp, cgm, png, jpg, tif\n");
+
+  EXPECT_EQ(run("split " + sessionFile + " --out " + out + " --yes --no").status, 2);
+  EXPECT_EQ(run("split " + sessionFile + " --out " + out + " --jobs 0").status, 2);
+  EXPECT_EQ(run("split").status, 2);
+  EXPECT_TRUE(filesIn(out).empty());
+}
+
+TEST_F(SlabberCommand, SessionWithNothingToProcess) {
+  for (CoreImage* image : session.images()) setInteger(image->intSetting(kIntUse), 0);
+  save();
+  const CommandRun r = run("split " + sessionFile + " --out " + out);
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("slabber: No images found\n"), std::string::npos) << r.err;
+}
+
+TEST_F(SlabberCommand, PreviewPerPhotograph) {
+  const std::string prev = dir.file("prev");
+  const CommandRun r = run("preview " + sessionFile + " --out " + prev);
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(filesIn(prev), (std::vector<std::string>{"T1_preview.png", "T2_preview.png", "T3_preview.png"}));
+  EXPECT_NE(r.out.find("Previews written: 3 of 3\n"), std::string::npos);
+  const vips::VImage p = vips::VImage::new_from_file((prev + "/T2_preview.png").c_str());
+  EXPECT_EQ(p.width(), 300);
+  EXPECT_EQ(p.height(), 200);
+}
+
+TEST_F(SlabberCommand, PreviewOfAMissingPhotograph) {
+  fs::remove(photos[2]);
+  const std::string prev = dir.file("prev");
+  const CommandRun r = run("preview " + sessionFile + " --out " + prev);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(filesIn(prev), (std::vector<std::string>{"T1_preview.png", "T2_preview.png"}));
+  EXPECT_NE(r.err.find("slabber: Error loading: " + photos[2]), std::string::npos);
+}
+
+}  // namespace
+}  // namespace subsurf::split::testing
