@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -197,16 +198,19 @@ int runShow(const ShowOptions& o) {
   std::size_t width = 4;
   for (CoreImage* image : list) width = std::max(width, fileNameOf(image->sourceFile()).size());
   const std::string unitTag = unit.empty() ? std::string() : " (" + unit + ")";
-  std::printf("%3s  %-*s  %-5s  %12s  %12s  %12s  %5s  %10s\n", "#", static_cast<int>(width), "file", "light",
-              ("top" + unitTag).c_str(), ("base" + unitTag).c_str(), ("core length" + unitTag).c_str(), "cores",
-              "rectangles");
+  const std::string top = "top" + unitTag, base = "base" + unitTag, length = "core length" + unitTag;
+  const int wTop = std::max<int>(10, static_cast<int>(top.size()));
+  const int wBase = std::max<int>(10, static_cast<int>(base.size()));
+  const int wLength = static_cast<int>(length.size());
+  std::printf("%3s  %-*s  %-5s  %*s  %*s  %*s  %5s  %10s\n", "#", static_cast<int>(width), "file", "light", wTop,
+              top.c_str(), wBase, base.c_str(), wLength, length.c_str(), "cores", "rectangles");
   int place = 0;
   for (CoreImage* image : list) {
     ++place;
-    std::printf("%3d  %-*s  %-5s  %12s  %12s  %12s  %5s  %10d\n", place, static_cast<int>(width),
+    std::printf("%3d  %-*s  %-5s  %*s  %*s  %*s  %5s  %10d\n", place, static_cast<int>(width),
                 fileNameOf(image->sourceFile()).c_str(), std::string(split::lightTag(image->intValue(kIntUV))).c_str(),
-                depthText(image->realValue(kRealTop)).c_str(), depthText(image->realValue(kRealBase)).c_str(),
-                depthText(image->realValue(kRealCoreLength)).c_str(),
+                wTop, depthText(image->realValue(kRealTop)).c_str(), wBase, depthText(image->realValue(kRealBase)).c_str(),
+                wLength, depthText(image->realValue(kRealCoreLength)).c_str(),
                 countText(image->intValue(kIntCoreNumber)).c_str(), CoreSession::rectangleCount(*image));
     if (!o.rows) continue;
     int row = 0;
