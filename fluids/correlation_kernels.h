@@ -188,7 +188,7 @@ inline float formationVolumeFactor(float gor, float gg, float api, float tR, flo
   const bool ok = (gor >= 0.0f) & (gg > 0.0f) & (api > 0.0f) & (tR > 0.0f) & (p > 0.0f) &
                   (pb > 0.0f);
   const float so = 141.5f / (api + 131.5f);
-  const float f = gor * std::sqrt(gg / so) + 1.25f * (tR - 520.0f);
+  const float f = gor * fmath::sqrt(gg / so) + 1.25f * (tR - 520.0f);
   const float bob = 0.9759f + 0.00012f * fmath::pow(f, 1.2f);
   const float co = compressibility(gor, gg, api, tR, p, kCoVasquezBeggs, pb);
   const float bo = pb < p ? bob * fmath::exp(co * (pb - p)) : bob;

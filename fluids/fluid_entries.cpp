@@ -125,7 +125,7 @@ std::optional<EntryUnit> FluidTable::unitOf(Entry e, std::string_view unitName) 
   return EntryUnit{r.iser, iun};
 }
 
-float FluidTable::convert(float value, int iser, int from, int to) const {
+float FluidTable::convert(float value, int iser, int from, int to) {
   int err = 0;
   const float out = unitsRegistry().convert(value, iser, from, to, err);
   return err == 0 ? out : kRealNull;

@@ -115,6 +115,15 @@ class FluidTable {
   // The raw record, as stored.
   float storedValue(Entry e) const { return records_[index(e)].value; }
   int state(Entry e) const { return records_[index(e)].state; }
+  // Replaces the raw record (value in the stored unit).
+  void setStored(Entry e, float value, int state) {
+    records_[index(e)].value = value;
+    records_[index(e)].state = state;
+  }
+
+  // Converts a value between two units of a series through the registry;
+  // null when the registry cannot convert it.
+  static float convert(float value, int iser, int from, int to);
 
  private:
   struct Record {
@@ -127,7 +136,6 @@ class FluidTable {
     char unit[kUnitNameWidth + 1] = {};
   };
   static std::size_t index(Entry e) { return static_cast<std::size_t>(e); }
-  float convert(float value, int iser, int from, int to) const;
 
   std::array<Record, kEntryCount> records_{};
   std::array<EntryUnit, kEntryCount> fixed_{};

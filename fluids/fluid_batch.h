@@ -1,0 +1,60 @@
+// Calculate-all over many cases at once.
+//
+// A batch holds one column per entry (values in the prototype table's stored
+// units, and states) and one row per case. Every case starts as a copy of the
+// prototype's entries, so defaults and units set up once apply to all. The
+// calculation gives each case exactly what calculateAll() gives that case in
+// a table of its own, bit for bit; it only runs column by column, through
+// the registry's vector conversions and correlation loops the compiler turns
+// into SIMD code, which makes it many times faster for large batches.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+#include "fluids/fluid_entries.h"
+
+namespace subsurf::fluids {
+
+class FluidBatch {
+ public:
+  explicit FluidBatch(const FluidTable& prototype, std::size_t cases = 0);
+
+  // Grows or shrinks the batch; new cases are copies of the prototype.
+  void resize(std::size_t cases);
+  std::size_t size() const { return size_; }
+
+  // Columns in the prototype's stored unit of each entry.
+  float* values(Entry e) { return values_[index(e)].data(); }
+  const float* values(Entry e) const { return values_[index(e)].data(); }
+  int* states(Entry e) { return states_[index(e)].data(); }
+  const int* states(Entry e) const { return states_[index(e)].data(); }
+
+  // One case's entry from a value in a unit of the entry's series, as
+  // FluidTable::set does it (unit from the prototype's unitOf()).
+  void set(std::size_t row, Entry e, EntryUnit unit, float value, int state);
+
+  // Calculate-all on every case.
+  void calculateAll();
+
+  // One case as a table of its own.
+  FluidTable caseTable(std::size_t row) const;
+
+  const FluidTable& prototype() const { return prototype_; }
+
+ private:
+  static std::size_t index(Entry e) { return static_cast<std::size_t>(e); }
+  void calculateRange(std::size_t first, std::size_t count);
+
+  FluidTable prototype_;
+  std::size_t size_ = 0;
+  std::array<std::vector<float>, kEntryCount> values_;
+  std::array<std::vector<int>, kEntryCount> states_;
+  // The last case whose z-factor was read from the chart, so that the chart's
+  // remembered bracket ends as a case-by-case run would leave it.
+  bool chartRead_ = false;
+  float lastTpr_ = 0.0f, lastPpr_ = 0.0f;
+};
+
+}  // namespace subsurf::fluids

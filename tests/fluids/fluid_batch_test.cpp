@@ -1,0 +1,124 @@
+// The batch calculation must give every case exactly what calculate-all gives
+// it in a table of its own: same bits, same states, for any mix of typed,
+// calculated, empty and nonsensical entries, in every unit system.
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstdint>
+#include <random>
+
+#include "fluids/calculate_all.h"
+#include "fluids/fluid_batch.h"
+#include "fluids/fluid_entries.h"
+#include "fluids/z_factor_chart.h"
+#include "host/nulls.h"
+
+namespace subsurf::fluids {
+namespace {
+
+// Plausible ranges (fixed units) of each entry, for filling cases.
+struct Range {
+  float lo, hi;
+};
+Range rangeOf(Entry e) {
+  switch (e) {
+    case Entry::Dres: return {-1500.0f, 15000.0f};
+    case Entry::Tres: case Entry::Tsc: case Entry::Oviscdt: return {30.0f, 300.0f};
+    case Entry::Pres: case Entry::Psc: case Entry::Pbubble: return {10.0f, 8000.0f};
+    case Entry::Oden: return {10.0f, 60.0f};
+    case Entry::Sgden: case Entry::Gden: return {0.55f, 1.3f};
+    case Entry::Solgor: return {0.0f, 2500.0f};
+    case Entry::N2: case Entry::Co2: case Entry::H2s: return {-0.05f, 0.2f};
+    default: return {0.0f, 2.0f};
+  }
+}
+
+// Fills a case: each entry is left as the prototype has it, typed, given as
+// calculated earlier, or emptied; a few values are zero, negative or huge.
+void fillCase(std::mt19937& rng, FluidTable& t) {
+  std::uniform_int_distribution<int> pick(0, 9);
+  std::uniform_real_distribution<float> unit(0.0f, 1.0f);
+  for (const EntryInfo& info : allEntries()) {
+    const Range r = rangeOf(info.entry);
+    const int how = pick(rng);
+    float v = r.lo + (r.hi - r.lo) * unit(rng);
+    if (how == 0) continue;  // as the prototype has it
+    if (how == 1) v = 0.0f;
+    if (how == 2) v = -v;
+    if (how == 3) v = 3.0e20f;
+    const int state = how == 4 ? kStateEmpty : (how <= 6 ? kStateTyped : kStateCalculated);
+    t.set(info.entry, t.fixedUnit(info.entry), how == 4 ? kRealNull : v, state);
+  }
+  // Most cases should get far: give the main inputs most of the time.
+  if (pick(rng) < 7) {
+    t.set(Entry::Dres, t.fixedUnit(Entry::Dres), 2000.0f + 10000.0f * unit(rng), kStateTyped);
+    t.set(Entry::Oden, t.fixedUnit(Entry::Oden), 15.0f + 35.0f * unit(rng), kStateTyped);
+    t.set(Entry::Sgden, t.fixedUnit(Entry::Sgden), 0.6f + 0.4f * unit(rng), kStateTyped);
+    t.set(Entry::Solgor, t.fixedUnit(Entry::Solgor), 100.0f + 1400.0f * unit(rng), kStateTyped);
+    t.set(Entry::Gden, t.fixedUnit(Entry::Gden), 0.6f + 0.4f * unit(rng), kStateTyped);
+  }
+}
+
+void expectBatchMatchesTables(int unitSystem, std::size_t cases, unsigned seed) {
+  FluidTable prototype;
+  prototype.create(unitSystem);
+  std::mt19937 rng(seed);
+  std::vector<FluidTable> tables(cases, prototype);
+  FluidBatch batch(prototype, cases);
+  for (std::size_t k = 0; k < cases; ++k) {
+    fillCase(rng, tables[k]);
+    for (const EntryInfo& info : allEntries()) {
+      batch.values(info.entry)[k] = tables[k].storedValue(info.entry);
+      batch.states(info.entry)[k] = tables[k].state(info.entry);
+    }
+  }
+  batch.calculateAll();
+  const kernels::ChartBracket afterBatch = zFactorChart().bracket();
+  for (FluidTable& t : tables) calculateAll(t);
+  const kernels::ChartBracket afterTables = zFactorChart().bracket();
+
+  int mismatches = 0;
+  for (std::size_t k = 0; k < cases && mismatches < 10; ++k) {
+    for (const EntryInfo& info : allEntries()) {
+      const float expected = tables[k].storedValue(info.entry);
+      const float actual = batch.values(info.entry)[k];
+      if (std::bit_cast<std::uint32_t>(expected) != std::bit_cast<std::uint32_t>(actual) ||
+          tables[k].state(info.entry) != batch.states(info.entry)[k]) {
+        ADD_FAILURE() << "case " << k << " entry " << info.name << ": table " << expected
+                      << " (state " << tables[k].state(info.entry) << "), batch " << actual
+                      << " (state " << batch.states(info.entry)[k] << ")";
+        ++mismatches;
+      }
+    }
+  }
+  EXPECT_EQ(afterBatch.row, afterTables.row);
+  EXPECT_EQ(afterBatch.column, afterTables.column);
+  EXPECT_EQ(afterBatch.ft, afterTables.ft);
+  EXPECT_EQ(afterBatch.fp, afterTables.fp);
+}
+
+// More cases than one block, and a partial last block.
+TEST(FluidBatch, MatchesCaseByCaseInOilfieldUnits) { expectBatchMatchesTables(1, 1300, 11); }
+TEST(FluidBatch, MatchesCaseByCaseInMetricUnits) { expectBatchMatchesTables(2, 1300, 12); }
+TEST(FluidBatch, MatchesCaseByCaseInSiUnits) { expectBatchMatchesTables(3, 700, 13); }
+
+TEST(FluidBatch, NewCasesStartAsThePrototype) {
+  FluidTable prototype;
+  prototype.create(2);
+  ASSERT_TRUE(prototype.set("co2", "%", 3.0f, kStateTyped).isOk());
+  FluidBatch batch(prototype, 2);
+  batch.resize(5);
+  EXPECT_EQ(batch.size(), 5u);
+  EXPECT_FLOAT_EQ(batch.values(Entry::Co2)[4], 0.03f);  // metric fractions are "fr"
+  EXPECT_EQ(batch.states(Entry::Co2)[4], kStateTyped);
+  EXPECT_TRUE(isNull(batch.values(Entry::Dres)[4]));
+  // Values given in another unit are stored in the prototype's.
+  batch.set(3, Entry::Dres, *prototype.unitOf(Entry::Dres, "ft"), 1000.0f, kStateTyped);
+  EXPECT_FLOAT_EQ(batch.values(Entry::Dres)[3], 304.8f);
+  const FluidTable third = batch.caseTable(3);
+  EXPECT_FLOAT_EQ(third.get("dres", "ft").value, 1000.0f);
+  EXPECT_EQ(third.state(Entry::Dres), kStateTyped);
+}
+
+}  // namespace
+}  // namespace subsurf::fluids
