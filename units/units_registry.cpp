@@ -332,13 +332,21 @@ double applyOne(const Plan& p, double x, int& err) {
 #endif
 
 // y = a*x + b. Floats are worked in double so that the coefficients keep their
-// full precision; the result is rounded once.
+// full precision; the result is rounded once. A pure scale (b = 0, most
+// conversions) needs no check for cancellation and has a loop of its own.
 template <typename T>
 SUBSURF_SIMD_LOOP void linearLoop(T* v, std::size_t n, double a, double b) {
   const double limit = kNeverConvertMagnitude;
+  if (b == 0.0) {
+    for (std::size_t i = 0; i < n; ++i) {
+      const double x = v[i];  // exact for a float, so a kept value keeps its bits
+      v[i] = static_cast<T>(std::fabs(x) > limit ? x : a * x);
+    }
+    return;
+  }
   for (std::size_t i = 0; i < n; ++i) {
     // affine() written out: a call would keep GCC from turning the selects into blends.
-    const double x = v[i];  // exact for a float, so a kept value keeps its bits
+    const double x = v[i];
     const double ax = a * x;
     const double sum = ax + b;
     const double y = std::fabs(sum) <= kNoise * (std::fabs(ax) + std::fabs(b)) ? 0.0 : sum;
