@@ -235,6 +235,8 @@ struct OldFile {
   bool reportOption;  // "report_ip"
 };
 
+void PrintTo(const OldFile& f, std::ostream* os) { *os << '"' << f.version << '"'; }
+
 class OldFileTest : public SessionFileTest {
  protected:
   static std::string head(const char* version, bool report, bool reportOption) {
