@@ -270,6 +270,22 @@ TEST_F(TemplateFileTest, TemplateInUseIsReadIntoTheSessionAndKeptWhenTheFileIsDa
   inUse = before;
 }
 
+TEST_F(TemplateFileTest, StartUpReadsTheTemplateInUseOrFallsBackToTheDefaults) {
+  const RectangleTemplate t = sample();
+  ASSERT_TRUE(saveNamedTemplate(t, "five"));
+  int status = -1;
+  COR_INIT(&status);
+  ASSERT_EQ(status, 0);
+  expectSameTemplate(t, coreSession().rectangleTemplate());
+
+  userlib.dir.write("rtmplts.rctml", "version,2.11a\ndescription,x\npolies,many\n");
+  COR_INIT(&status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(lastMessage(), templateInUseFile() + ", line 3: \"polies\" needs a whole number in field 2, found \"many\"");
+  EXPECT_TRUE(coreSession().rectangleTemplate().rectangles.empty());
+  COR_CLOSE(&status);
+}
+
 TEST_F(TemplateFileTest, TemplateCutAfterAnyLineIsRefused) {
   ASSERT_TRUE(saveNamedTemplate(sample(), "five"));
   const auto lines = fileLines(namedTemplateFile("five"));
