@@ -3,14 +3,8 @@
 
 #include "cli_support.h"
 
-#if __has_include("session_command.h")
 #include "session_command.h"
-#define SLABBER_HAVE_SESSION_COMMANDS 1
-#endif
-#if __has_include("split_command.h")
 #include "split_command.h"
-#define SLABBER_HAVE_SPLIT_COMMANDS 1
-#endif
 
 int main(int argc, char** argv) {
   subsurf::cli::installTerminalHost("slabber");
@@ -19,12 +13,8 @@ int main(int argc, char** argv) {
       "with a comma-separated table of clipping depths."};
   app.require_subcommand(1);
   int exitCode = subsurf::cli::kExitOk;
-#ifdef SLABBER_HAVE_SESSION_COMMANDS
   subsurf::cli::addSessionCommands(app, exitCode);
-#endif
-#ifdef SLABBER_HAVE_SPLIT_COMMANDS
   subsurf::cli::addSplitCommands(app, exitCode);
-#endif
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
