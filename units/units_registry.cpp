@@ -291,15 +291,16 @@ LinearConversion UnitsRegistry::linearCoefficients(int iser, int from, int to, i
 namespace {
 
 // a*x + b, with a result that is only rounding noise taken as 0. An offset
-// conversion cancels at one point (32 degF is 0 degC), and the rounding of a, b
-// and the sum there leaves a few units of the last place of the terms; a
-// result within that of zero is zero, which is what a user expects to read.
-constexpr double kNoise = 8.0 * std::numeric_limits<double>::epsilon();
+// conversion cancels at one point (32 degF is 0 degC): there a*x is close to -b,
+// and the rounding of a, b and the sum leaves a few units of the last place of
+// b. A result within that of zero is zero, which is what a user expects to read.
+constexpr double kNoise = 16.0 * std::numeric_limits<double>::epsilon();
+
+inline double cancellationNoise(double b) { return kNoise * std::fabs(b); }
 
 inline double affine(double a, double b, double x) {
-  const double ax = a * x;
-  const double y = ax + b;
-  return std::fabs(y) <= kNoise * (std::fabs(ax) + std::fabs(b)) ? 0.0 : y;
+  const double y = a * x + b;
+  return std::fabs(y) <= cancellationNoise(b) ? 0.0 : y;
 }
 
 // Applies a resolved plan to one value (the value is known to be convertible).
@@ -344,12 +345,12 @@ SUBSURF_SIMD_LOOP void linearLoop(T* v, std::size_t n, double a, double b) {
     }
     return;
   }
+  const double noise = cancellationNoise(b);
   for (std::size_t i = 0; i < n; ++i) {
     // affine() written out: a call would keep GCC from turning the selects into blends.
     const double x = v[i];
-    const double ax = a * x;
-    const double sum = ax + b;
-    const double y = std::fabs(sum) <= kNoise * (std::fabs(ax) + std::fabs(b)) ? 0.0 : sum;
+    const double sum = a * x + b;
+    const double y = std::fabs(sum) <= noise ? 0.0 : sum;
     v[i] = static_cast<T>(std::fabs(x) > limit ? x : y);
   }
 }
