@@ -71,37 +71,27 @@ TEST(UnitsSqlScript, SchemaAndRowsOfASmallRegistry) {
   TempDir dir;
   UnitsRegistry reg;
   ASSERT_TRUE(reg.load(dir.write("small.def",
-                                 "**Dimensions\n1,length\n2,temperature\n"
-                                 "**Units\n1,m,metre,1,1,1\n2,ft,feet,1,1,0.3048\n"
-                                 "3,degk,kelvin,2,1,1\n4,degc,O'Celsius,2,2,1,273.15\n"
-                                 "**Series\n0,depth,1,1,2,2,m,ft,m\n1,temperature,2,3,4,2,degc,degc,degk\n"
-                                 "**Entries\n1,1,0,0\n2,2,0,1\n3,4,0,0\n4,3,0,0\n"))
+                                 "**Dimensions\n1,temperature\n"
+                                 "**Units\n1,degk,kelvin,1,1,1\n2,degc,O'Celsius,1,2,1,273.15\n"
+                                 "**Series\n0,temperature,1,1,2,2,degc,degk,degk\n"
+                                 "**Entries\n1,2,0,0\n2,1,0,1\n"))
                   .isOk());
   std::vector<std::string> expected = kSchema;
   const std::vector<std::string> rows = {
       "SET IDENTITY_INSERT UNIT_DIMS ON;",
-      "INSERT INTO UNIT_DIMS (dim_id, dim_name) values (1, 'length');",
-      "INSERT INTO UNIT_DIMS (dim_id, dim_name) values (2, 'temperature');",
+      "INSERT INTO UNIT_DIMS (dim_id, dim_name) values (1, 'temperature');",
       "SET IDENTITY_INSERT UNIT_DIMS OFF;",
       "SET IDENTITY_INSERT UNITS ON;",
       "INSERT INTO UNITS (unit_id, unit_name, unit_oname,  unit_dim, unit_nc, unit_c1, unit_c2, unit_c3,  unit_c4) "
-      "values (1, 'm', 'metre', 1, 1, 1, 0, 1, 1);",
+      "values (1, 'degk', 'kelvin', 1, 1, 1, 0, 1, 1);",
       "INSERT INTO UNITS (unit_id, unit_name, unit_oname,  unit_dim, unit_nc, unit_c1, unit_c2, unit_c3,  unit_c4) "
-      "values (2, 'ft', 'feet', 1, 1, 0.3048, 0, 1, 1);",
-      "INSERT INTO UNITS (unit_id, unit_name, unit_oname,  unit_dim, unit_nc, unit_c1, unit_c2, unit_c3,  unit_c4) "
-      "values (3, 'degk', 'kelvin', 2, 1, 1, 0, 1, 1);",
-      "INSERT INTO UNITS (unit_id, unit_name, unit_oname,  unit_dim, unit_nc, unit_c1, unit_c2, unit_c3,  unit_c4) "
-      "values (4, 'degc', 'O''Celsius', 2, 2, 1, 273.15, 1, 1);",
+      "values (2, 'degc', 'O''Celsius', 1, 2, 1, 273.15, 1, 1);",
       "SET IDENTITY_INSERT UNITS OFF;",
       "SET IDENTITY_INSERT SERIES ON;",
-      "INSERT INTO SERIES (ser_id, ser_name, ser_dim, ser_un_m,  ser_un_of,  ser_un_si) values (0, 'depth', 1, 'm', "
-      "'ft', 'm');",
-      "INSERT INTO SERIES (ser_id, ser_name, ser_dim, ser_un_m,  ser_un_of,  ser_un_si) values (1, 'temperature', 2, "
-      "'degc', 'degc', 'degk');",
-      "INSERT INTO SERIES_UNITS (su_name, su_iser, su_uid,  su_iun,  su_io) values ('depth', 0, 1, 1, 0);",
-      "INSERT INTO SERIES_UNITS (su_name, su_iser, su_uid,  su_iun,  su_io) values ('depth', 0, 2, 2, 1);",
-      "INSERT INTO SERIES_UNITS (su_name, su_iser, su_uid,  su_iun,  su_io) values ('temperature', 1, 4, 1, 0);",
-      "INSERT INTO SERIES_UNITS (su_name, su_iser, su_uid,  su_iun,  su_io) values ('temperature', 1, 3, 2, 0);",
+      "INSERT INTO SERIES (ser_id, ser_name, ser_dim, ser_un_m,  ser_un_of,  ser_un_si) values (0, 'temperature', 1, "
+      "'degc', 'degk', 'degk');",
+      "INSERT INTO SERIES_UNITS (su_name, su_iser, su_uid,  su_iun,  su_io) values ('temperature', 0, 2, 1, 0);",
+      "INSERT INTO SERIES_UNITS (su_name, su_iser, su_uid,  su_iun,  su_io) values ('temperature', 0, 1, 2, 1);",
   };
   expected.insert(expected.end(), rows.begin(), rows.end());
   EXPECT_EQ(reg.sqlScript(), expected);
