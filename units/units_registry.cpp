@@ -20,8 +20,8 @@ namespace subsurf {
 
 namespace {
 
-// Exponents this close count as equal when choosing a direct conversion
-// (the same single-precision constant the stored data was tuned against).
+// Exponents this close count as equal when choosing a direct conversion. The
+// bound is the single-precision 0.01, a hair below the double one.
 constexpr double kSameExponent = 0.01f;
 // Below this magnitude a value is too small to be raised to a negative power.
 constexpr double kTinyMagnitude = 1.0e-20;
@@ -193,7 +193,9 @@ void directCoefficients(const UnitDefinition& f, const UnitDefinition& t, double
 }
 
 // One value through the dimension's SI unit:  v = c4 * (c1 * (u + c2)) ^ c3
-// for the source unit, then the same steps undone in reverse for the target.
+// for the source unit, then the same steps undone in reverse for the target
+// (the power undone by the power 1/c3, which for the exponents 1 and -1 of the
+// units in use is the exponent itself).
 double throughSI(double value, const UnitDefinition& f, const UnitDefinition& t, bool skipFrom, bool skipTo, int& err) {
   double x = value;
   if (!skipFrom) {
