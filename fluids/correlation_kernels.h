@@ -19,20 +19,20 @@ namespace subsurf::fluids::kernels {
 // ---------------------------------------------------------------- gas ----
 
 // A negative impurity content counts as none.
-inline float clampFraction(float f) { return f < 0.0f ? 0.0f : f; }
+SUBSURF_FLUIDS_INLINE float clampFraction(float f) { return f < 0.0f ? 0.0f : f; }
 
 // Pseudo-critical pressure (psia) and temperature (degR) from a positive gas
 // gravity and clamped fractions. Note the different sign patterns of the
 // impurity terms in the two: they are the coefficients this suite has always
 // used and results depend on them.
-inline float pseudoCriticalPressure(float g, float n2, float co2, float h2s) {
+SUBSURF_FLUIDS_INLINE float pseudoCriticalPressure(float g, float n2, float co2, float h2s) {
   return 693.0f - 35.0f * g + 432.9f * n2 - 167.3f * co2 + 654.0f * h2s;
 }
-inline float pseudoCriticalTemperature(float g, float n2, float co2, float h2s) {
+SUBSURF_FLUIDS_INLINE float pseudoCriticalTemperature(float g, float n2, float co2, float h2s) {
   return 158.0f + 333.0f * g - 167.3f * n2 + 279.9f * co2 - 127.0f * h2s;
 }
 
-inline float expansionFactor(float z, float t, float p, float tsc, float psc) {
+SUBSURF_FLUIDS_INLINE float expansionFactor(float z, float t, float p, float tsc, float psc) {
   const bool ok = (z > 0.0f) & (t > 0.0f) & (p > 0.0f) & (tsc > 0.0f) & (psc > 0.0f);
   const float e = (p * tsc) / (z * t * psc);
   return ok ? e : kRealNull;
@@ -40,7 +40,7 @@ inline float expansionFactor(float z, float t, float p, float tsc, float psc) {
 
 // Lee-Gonzalez-Eakin. 669.8 is the gas-law constant with the lb/ft3 to g/cc
 // factor folded in, as the correlation has always been written here.
-inline float viscosity(float g, float z, float t, float p) {
+SUBSURF_FLUIDS_INLINE float viscosity(float g, float z, float t, float p) {
   const bool ok = (g > 0.0f) & (z > 0.0f) & (t > 0.0f) & (p > 0.0f);
   const float m = 29.0f * g;
   const float rho = p * m / (z * t * 669.8f);
@@ -52,14 +52,14 @@ inline float viscosity(float g, float z, float t, float p) {
 }
 
 // Real-gas law in lb/ft3 (R = 10.732 psia ft3 / lbmol degR), rounded, then to g/cc.
-inline float density(float g, float z, float t, float p) {
+SUBSURF_FLUIDS_INLINE float density(float g, float z, float t, float p) {
   const bool ok = (g > 0.0f) & (z > 0.0f) & (t > 0.0f) & (p > 0.0f);
   const float lbPerCuft = p * 28.97f * g / (z * t * 10.732f);
   const float d = lbPerCuft * 0.0160184f;
   return ok ? d : kRealNull;
 }
 
-inline float gasHydrogenIndex(float density) {
+SUBSURF_FLUIDS_INLINE float gasHydrogenIndex(float density) {
   return density > 0.0f ? 2.25f * density : kRealNull;
 }
 
@@ -105,7 +105,7 @@ struct ChartBracket {
 // x, n when none does (outside). Counting the grid values at or below x gives
 // the same index without a data-dependent branch.
 template <int N>
-inline int upperBracket(const float (&grid)[N], float x, bool& outside) {
+SUBSURF_FLUIDS_INLINE int upperBracket(const float (&grid)[N], float x, bool& outside) {
   int below = 0;
   for (int g = 1; g < N; ++g) below += grid[g] <= x ? 1 : 0;
   outside = below == N - 1;
@@ -116,7 +116,7 @@ inline int upperBracket(const float (&grid)[N], float x, bool& outside) {
 // the last interval beyond the grid. Status 1 (null) unless both reduced
 // values are positive; -1 beyond the last row or column; 0 otherwise. A
 // temperature below the first row extrapolates with status 0.
-inline float chartZ(float tpr, float ppr, int& status, ChartBracket& b) {
+SUBSURF_FLUIDS_INLINE float chartZ(float tpr, float ppr, int& status, ChartBracket& b) {
   const bool ok = (tpr > 0.0f) & (ppr > 0.0f);
   bool outT, outP;
   b.row = upperBracket(kChartTemperatures, tpr, outT);
@@ -135,11 +135,11 @@ inline float chartZ(float tpr, float ppr, int& status, ChartBracket& b) {
 // ---------------------------------------------------------------- oil ----
 
 // Vasquez-Beggs solution-GOR constants: heavy oil (API <= 30) and light oil.
-inline float vasquezBeggsC1(float api) { return api <= 30.0f ? 0.0362f : 0.0178f; }
-inline float vasquezBeggsC2(float api) { return api <= 30.0f ? 1.0937f : 1.187f; }
-inline float vasquezBeggsC3(float api) { return api <= 30.0f ? 25.724f : 23.931f; }
+SUBSURF_FLUIDS_INLINE float vasquezBeggsC1(float api) { return api <= 30.0f ? 0.0362f : 0.0178f; }
+SUBSURF_FLUIDS_INLINE float vasquezBeggsC2(float api) { return api <= 30.0f ? 1.0937f : 1.187f; }
+SUBSURF_FLUIDS_INLINE float vasquezBeggsC3(float api) { return api <= 30.0f ? 25.724f : 23.931f; }
 
-inline float bubblePoint(float gor, float gg, float api, float tR) {
+SUBSURF_FLUIDS_INLINE float bubblePoint(float gor, float gg, float api, float tR) {
   const bool ok = (gor >= 0.0f) & (gg > 0.0f) & (api > 0.0f) & (tR > 0.0f);
   const float c1 = vasquezBeggsC1(api), c2 = vasquezBeggsC2(api), c3 = vasquezBeggsC3(api);
   const float pb = fmath::pow(gor / (gg * c1 * fmath::exp(c3 * api / tR)), 1.0f / c2);
@@ -149,7 +149,7 @@ inline float bubblePoint(float gor, float gg, float api, float tR) {
 // The factor beside C1 is the API gravity (not the gas gravity of the
 // published form); the gas gravity is only checked. Results have always
 // been computed this way.
-inline float solutionGor(float tR, float p, float api, float gg) {
+SUBSURF_FLUIDS_INLINE float solutionGor(float tR, float p, float api, float gg) {
   const bool ok = (tR > 0.0f) & (p > 0.0f) & (api > 0.0f) & (gg > 0.0f);
   const float c1 = vasquezBeggsC1(api), c2 = vasquezBeggsC2(api), c3 = vasquezBeggsC3(api);
   const float rs = c1 * api * fmath::pow(p, c2) * fmath::exp(c3 * api / tR);
@@ -160,23 +160,28 @@ inline constexpr int kCoVasquezBeggs = 1;
 inline constexpr int kCoMcCainNoBubblePoint = 2;
 inline constexpr int kCoMcCain = 3;
 
-inline float compressibility(float gor, float gg, float api, float t, float p, int method,
-                             float pb) {
+// Vasquez-Beggs undersaturated compressibility (method 1), divided by
+// P * 10000 as required of it.
+SUBSURF_FLUIDS_INLINE float vasquezBeggsCompressibility(float gor, float gg, float api, float t,
+                                                        float p) {
+  return (5.0f * gor + 17.2f * t + 12.61f * api - 1180.0f * gg - 1433.0f) / (p * 10000.0f);
+}
+
+SUBSURF_FLUIDS_INLINE float compressibility(float gor, float gg, float api, float t, float p,
+                                            int method, float pb) {
   const bool ok = (gor >= 0.0f) & (gg > 0.0f) & (api > 0.0f) & (t > 0.0f) & (p > 0.0f) &
                   (pb > 0.0f);
-  // Method 1 divides by P * 10000, as required of it.
-  const float co1 = (5.0f * gor + 17.2f * t + 12.61f * api - 1180.0f * gg - 1433.0f) /
-                    (p * 10000.0f);
+  const float co1 = vasquezBeggsCompressibility(gor, gg, api, t, p);
+  // McCain's two forms share one exponential: the exponent is chosen first.
   const float lnP = fmath::log(p), lnT = fmath::log(t), lnApi = fmath::log(api);
   const float lnRs = fmath::log(gor);
-  const float co2 =
-      fmath::exp(-7.633f - 1.497f * lnP + 1.115f * lnT + 0.533f * lnApi + 0.184f * lnRs);
-  const float co3 = fmath::exp(-7.573f - 1.45f * lnP - 0.383f * fmath::log(pb) + 1.402f * lnT +
-                               0.256f * lnApi + 0.449f * lnRs);
+  const float arg2 = -7.633f - 1.497f * lnP + 1.115f * lnT + 0.533f * lnApi + 0.184f * lnRs;
+  const float arg3 = -7.573f - 1.45f * lnP - 0.383f * fmath::log(pb) + 1.402f * lnT +
+                     0.256f * lnApi + 0.449f * lnRs;
+  const float coMcCain = fmath::exp(method == kCoMcCainNoBubblePoint ? arg2 : arg3);
   float co = kRealNull;
   co = method == kCoVasquezBeggs ? co1 : co;
-  co = method == kCoMcCainNoBubblePoint ? co2 : co;
-  co = method == kCoMcCain ? co3 : co;
+  co = (method == kCoMcCainNoBubblePoint) | (method == kCoMcCain) ? coMcCain : co;
   return ok ? co : kRealNull;
 }
 
@@ -184,36 +189,38 @@ inline float compressibility(float gor, float gg, float api, float t, float p, i
 // Standing has degrees Fahrenheit (about 0.33 degF apart), kept so results
 // stay comparable; above the bubble point it shrinks with the method-1
 // compressibility.
-inline float formationVolumeFactor(float gor, float gg, float api, float tR, float p, float pb) {
+SUBSURF_FLUIDS_INLINE float formationVolumeFactor(float gor, float gg, float api, float tR, float p, float pb) {
   const bool ok = (gor >= 0.0f) & (gg > 0.0f) & (api > 0.0f) & (tR > 0.0f) & (p > 0.0f) &
                   (pb > 0.0f);
   const float so = 141.5f / (api + 131.5f);
   const float f = gor * fmath::sqrt(gg / so) + 1.25f * (tR - 520.0f);
   const float bob = 0.9759f + 0.00012f * fmath::pow(f, 1.2f);
-  const float co = compressibility(gor, gg, api, tR, p, kCoVasquezBeggs, pb);
+  // (Where it applies, the inputs are valid, so this is what the method-1
+  // compressibility routine returns.)
+  const float co = vasquezBeggsCompressibility(gor, gg, api, tR, p);
   const float bo = pb < p ? bob * fmath::exp(co * (pb - p)) : bob;
   return ok ? bo : kRealNull;
 }
 
 // Beggs-Robinson dead-oil viscosity at a temperature in degF.
-inline float deadViscosity(float api, float tF) {
+SUBSURF_FLUIDS_INLINE float deadViscosity(float api, float tF) {
   const bool ok = (api > 0.0f) & (tF > -200.0f);
   const float x = fmath::pow(tF, -1.163f) * fmath::exp(6.9824f - 0.04658f * api);
   const float mu = fmath::pow(10.0f, x) - 1.0f;
   return ok ? mu : kRealNull;
 }
 
-inline float deadViscosityAt(float known, float targetF, float referenceF) {
+SUBSURF_FLUIDS_INLINE float deadViscosityAt(float known, float targetF, float referenceF) {
   const bool ok = (known > 0.0f) & (targetF >= -100.0f) & (referenceF >= -100.0f);
   const float mu = fmath::pow(known + 1.0f, fmath::pow(targetF / referenceF, -1.163f)) - 1.0f;
   return ok ? mu : kRealNull;
 }
 
 // Beggs-Robinson live-oil viscosity: mu = A * mu_dead ^ B.
-inline float liveA(float gor) { return 10.715f * fmath::pow(gor + 100.0f, -0.515f); }
-inline float liveB(float gor) { return 5.44f * fmath::pow(gor + 150.0f, -0.338f); }
+SUBSURF_FLUIDS_INLINE float liveA(float gor) { return 10.715f * fmath::pow(gor + 100.0f, -0.515f); }
+SUBSURF_FLUIDS_INLINE float liveB(float gor) { return 5.44f * fmath::pow(gor + 150.0f, -0.338f); }
 
-inline float liveViscosity(float dead, float gor) {
+SUBSURF_FLUIDS_INLINE float liveViscosity(float dead, float gor) {
   const bool ok = (dead > 0.0f) & (gor >= 0.0f);
   const float mu = liveA(gor) * fmath::pow(dead, liveB(gor));
   return ok ? mu : kRealNull;

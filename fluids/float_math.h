@@ -18,12 +18,21 @@
 #include <cstdint>
 #include <limits>
 
+// Small enough to fold into every loop that uses them, which is what lets
+// the loops vectorise; forced, since a large loop body can exhaust the
+// compiler's own inlining budget.
+#if defined(__GNUC__)
+#define SUBSURF_FLUIDS_INLINE [[gnu::always_inline]] inline
+#else
+#define SUBSURF_FLUIDS_INLINE inline
+#endif
+
 namespace subsurf::fluids::fmath {
 
 // e^x for the arguments that matter to a single-precision result: beyond
 // +-120 the result is far outside the float range either way, so the argument
 // is clamped there (infinities included); NaN stays NaN.
-inline double expWide(double x) {
+SUBSURF_FLUIDS_INLINE double expWide(double x) {
   const double xc = x < -120.0 ? -120.0 : (x > 120.0 ? 120.0 : x);
   constexpr double kInvLn2 = 1.4426950408889634;
   constexpr double kLn2Hi = 0x1.62e42fee00000p-1;  // trailing zeros: k * kLn2Hi is exact
@@ -56,7 +65,7 @@ inline double expWide(double x) {
 }
 
 // Natural logarithm: -inf at 0, NaN below 0 and for NaN, +inf at +inf.
-inline double logWide(double x) {
+SUBSURF_FLUIDS_INLINE double logWide(double x) {
   const std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
   // x = m * 2^e with m in [1, 2), then m moved to [sqrt(1/2), sqrt(2)).
   double m = std::bit_cast<double>((bits & 0x000fffffffffffffULL) | 0x3ff0000000000000ULL);
@@ -96,7 +105,7 @@ inline double logWide(double x) {
 // an ulp, and a float square root is never close enough to a rounding
 // midpoint for that ulp to matter. Written out rather than calling the C
 // library so that loops over it vectorise without an errno check.
-inline float sqrt(float x) {
+SUBSURF_FLUIDS_INLINE float sqrt(float x) {
   const double d = static_cast<double>(x);
   double y = std::bit_cast<double>((std::bit_cast<std::uint64_t>(d) >> 1) + 0x1ff8000000000000ULL);
   y = 0.5 * (y + d / y);
@@ -111,14 +120,14 @@ inline float sqrt(float x) {
   return static_cast<float>(y);
 }
 
-inline float exp(float x) { return static_cast<float>(expWide(static_cast<double>(x))); }
+SUBSURF_FLUIDS_INLINE float exp(float x) { return static_cast<float>(expWide(static_cast<double>(x))); }
 
-inline float log(float x) { return static_cast<float>(logWide(static_cast<double>(x))); }
+SUBSURF_FLUIDS_INLINE float log(float x) { return static_cast<float>(logWide(static_cast<double>(x))); }
 
 // x^y with the special values of the C library's powf: y = 0 or x = 1 give 1;
 // a negative base needs an integer exponent (NaN otherwise) and keeps its sign
 // for an odd one; zero and infinite bases and exponents go to 0 or infinity.
-inline float pow(float x, float y) {
+SUBSURF_FLUIDS_INLINE float pow(float x, float y) {
   constexpr float kInfF = std::numeric_limits<float>::infinity();
   // Integer and odd-integer tests by rounding through 2^23: every float of
   // that size or more is an integer, and below it the sum has unit spacing.

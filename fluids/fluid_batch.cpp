@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -27,6 +28,12 @@
 #define SUBSURF_SIMD_CLONES [[gnu::target_clones("avx512f", "avx2", "default")]]
 #else
 #define SUBSURF_SIMD_CLONES
+#endif
+// The block's helpers are folded into each instruction-set version of it.
+#if defined(__GNUC__)
+#define SUBSURF_INLINE __attribute__((always_inline))
+#else
+#define SUBSURF_INLINE
 #endif
 
 namespace subsurf::fluids {
@@ -124,12 +131,15 @@ namespace {
 // Cases per block: small enough for every column of a block to stay in cache.
 constexpr int kBlock = 512;
 
-// One entry of a block as read in a unit.
+// One entry of a block as read in a unit. Flags are ints rather than bools so
+// that every array in a loop has four-byte elements, which keeps the loops
+// vectorisable on every instruction set.
+using Flag = std::int32_t;
 struct Column {
   float value[kBlock];
   int state[kBlock];
-  bool missing[kBlock];
-  bool due(int i) const { return missing[i] | (state[i] > kStateTyped); }
+  Flag missing[kBlock];
+  Flag due(int i) const { return missing[i] | (state[i] > kStateTyped); }
 };
 
 // Converts a block through the registry's vector conversion; should any value
@@ -193,11 +203,11 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   const EntryUnit degR = prototype_.rankine();
 
   // Reads an entry of the block in a unit, as FluidTable::get does.
-  auto read = [&](Entry e, EntryUnit unit, Column& c) {
+  auto read = [&](Entry e, EntryUnit unit, Column& c) SUBSURF_INLINE {
     const float* v = values_[index(e)].data() + first;
     const int* s = states_[index(e)].data() + first;
     const EntryUnit stored = prototype_.storedUnit(e);
-    const bool unavailable = unit.iun < 0;
+    const Flag unavailable = unit.iun < 0;
     for (int i = 0; i < n; ++i) {
       c.state[i] = s[i];
       c.missing[i] = isNull(v[i]) | unavailable;
@@ -207,11 +217,11 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
     convertBlock(c.value, n, stored.iser, stored.iun, unit.iun);
     for (int i = 0; i < n; ++i) c.missing[i] = c.missing[i] | isNull(c.value[i]);
   };
-  auto fixedRead = [&](Entry e, Column& c) { read(e, prototype_.fixedUnit(e), c); };
+  auto fixedRead = [&](Entry e, Column& c) SUBSURF_INLINE { read(e, prototype_.fixedUnit(e), c); };
 
   // Stores the values where mask is set, as FluidTable::set does, with the
   // given state (or each case's own when states is given).
-  auto storeWith = [&](Entry e, const float* in, const bool* mask, int state, const int* states) {
+  auto storeWith = [&](Entry e, const float* in, const Flag* mask, int state, const int* states) SUBSURF_INLINE {
     const EntryUnit unit = prototype_.fixedUnit(e);
     if (unit.iun < 0) return;
     const EntryUnit stored = prototype_.storedUnit(e);
@@ -229,12 +239,12 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
     }
     for (int i = 0; i < n; ++i) v[i] = mask[i] ? (isNull(in[i]) ? in[i] : converted[i]) : v[i];
   };
-  auto store = [&](Entry e, const float* in, const bool* mask) {
+  auto store = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
     storeWith(e, in, mask, kStateCalculated, nullptr);
   };
 
   Column c, tsc, psc;
-  bool mask[kBlock];
+  Flag mask[kBlock];
   float depth[kBlock], pres[kBlock], result[kBlock];
   float oden[kBlock], sgden[kBlock], solgor[kBlock], tR[kBlock], tF[kBlock], pb[kBlock];
 
@@ -320,14 +330,14 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   fixedRead(Entry::Pres, gp);
   read(Entry::Tres, degR, gt);
   float tpr[kBlock], ppr[kBlock], z[kBlock];
-  bool reduced[kBlock];
+  Flag reduced[kBlock];
   int chartStatus[kBlock];
   batch_loops::pseudoReduced(gden.value, n2.value, co2.value, h2s.value, gp.value, gt.value, tpr,
                              ppr, n);
   for (int i = 0; i < n; ++i) {
-    const bool present = !(gden.missing[i] | n2.missing[i] | co2.missing[i] | h2s.missing[i] |
-                           gp.missing[i] | gt.missing[i]);
-    reduced[i] = present & (gden.value[i] > 0.0f);
+    const Flag absent = gden.missing[i] | n2.missing[i] | co2.missing[i] | h2s.missing[i] |
+                        gp.missing[i] | gt.missing[i];
+    reduced[i] = (absent == 0) & (gden.value[i] > 0.0f);
   }
   // Negative contents were read as zero; the form shows the zero.
   const std::array<std::pair<Entry, Column*>, 3> fractions{
@@ -362,11 +372,11 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   std::fill_n(nullColumn, n, kRealNull);
   // Calculated where due with reduced values; cleared where calculated
   // earlier without them.
-  auto gasEntry = [&](Entry e, const float* computed) {
+  auto gasEntry = [&](Entry e, const float* computed) SUBSURF_INLINE {
     fixedRead(e, c);
     for (int i = 0; i < n; ++i) mask[i] = reduced[i] & c.due(i);
     store(e, computed, mask);
-    for (int i = 0; i < n; ++i) mask[i] = !reduced[i] & (c.state[i] > kStateTyped);
+    for (int i = 0; i < n; ++i) mask[i] = (reduced[i] == 0) & (c.state[i] > kStateTyped);
     store(e, nullColumn, mask);
   };
   gasEntry(Entry::Bg, bg);
