@@ -18,6 +18,7 @@
 
 #include "cli_support.h"
 #include "fluids/calculate_all.h"
+#include "fluids/fluid_batch.h"
 #include "fluids/fluid_entries.h"
 #include "host/fixed_text.h"
 #include "host/nulls.h"
@@ -260,37 +261,43 @@ int runBatch(const FluidsOptions& opt, const FluidTable& prototype) {
   }
   *out << text << "\n";
 
-  int exitCode = kExitOk;
-  FluidTable table;
+  // Every case is read first, then all are calculated together.
+  fluids::FluidBatch batch(prototype);
+  std::vector<bool> valid;
   while (std::getline(in, line)) {
     ++row;
     if (trimBlanks(line).empty()) continue;
-    table = prototype;
+    const std::size_t k = batch.size();
+    batch.resize(k + 1);
+    valid.push_back(true);
     const std::vector<std::string> cells = splitCsv(line);
-    bool valid = true;
     if (cells.size() > columns.size()) {
       std::cerr << fmt::format("subsurf fluids: {} row {}: {} cells for {} columns\n", opt.batch,
                                row, cells.size(), columns.size());
-      valid = false;
+      valid[k] = false;
     }
     for (std::size_t c = 0; c < cells.size() && c < columns.size(); ++c) {
       if (cells[c].empty()) continue;  // not given: calculated
       const auto v = readNumber(cells[c]);
       if (!v) {
-        std::cerr << fmt::format("subsurf fluids: {} row {}, column {} ({}): cannot read \"{}\" as a number\n",
-                                 opt.batch, row, c + 1, fluids::entryInfo(columns[c].entry).name,
-                                 cells[c]);
-        valid = false;
+        std::cerr << fmt::format(
+            "subsurf fluids: {} row {}, column {} ({}): cannot read \"{}\" as a number\n",
+            opt.batch, row, c + 1, fluids::entryInfo(columns[c].entry).name, cells[c]);
+        valid[k] = false;
         continue;
       }
-      table.set(columns[c].entry, columns[c].unit, *v, fluids::kStateTyped);
+      batch.set(k, columns[c].entry, columns[c].unit, *v, fluids::kStateTyped);
     }
+  }
+  batch.calculateAll();
+
+  int exitCode = kExitOk;
+  for (std::size_t k = 0; k < batch.size(); ++k) {
     text.clear();
-    if (valid) {
-      fluids::calculateAll(table);
+    if (valid[k]) {
       for (const fluids::EntryInfo& info : fluids::allEntries()) {
         if (info.entry != Entry::Dres) text += ',';
-        text += numberText(table.storedValue(info.entry));
+        text += numberText(batch.values(info.entry)[k]);
       }
     } else {
       // The case cannot be trusted: every result stays empty.
