@@ -1,0 +1,205 @@
+// The `subsurf fluids` command, run as a user runs it.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+
+#include "fluids/fluid_test_support.h"
+#include "support/temp_dir.h"
+
+namespace subsurf::fluids {
+namespace {
+
+using testing::nearRel;
+constexpr double kChainRel = 1e-4;
+
+struct Outcome {
+  int status;
+  std::string out, err;
+};
+
+std::string program() {
+  const char* dir = std::getenv("SUBSURF_CLI_DIR");
+  std::string d = dir ? dir : SUBSURF_CLI_DIR;
+  return d + "/subsurf";
+}
+
+class FluidsCommand : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!std::filesystem::exists(program())) GTEST_SKIP() << "the subsurf program is not built";
+  }
+  Outcome run(const std::string& args) {
+    const std::string errFile = tmp.file("stderr.txt");
+    const std::string cmd = program() + " fluids " + args + " 2>" + errFile;
+    Outcome r;
+    FILE* p = ::popen(cmd.c_str(), "r");
+    char buf[4096];
+    std::size_t n;
+    while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
+    const int raw = ::pclose(p);
+    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    r.err = subsurf::testing::TempDir::read(errFile);
+    return r;
+  }
+  subsurf::testing::TempDir tmp;
+};
+
+// The entry's record from the JSON forms.
+nlohmann::json entry(const nlohmann::json& doc, const std::string& name) {
+  for (const auto& form : doc["forms"]) {
+    for (const auto& e : form["entries"]) {
+      if (e["name"] == name) return e;
+    }
+  }
+  return nullptr;
+}
+
+const char* kCase = "--set dres=8000:ft --set oden=35 --set sgden=0.75 --set solgor=600 --set gden=0.7";
+
+// Hand calculation in double precision of the whole chain for this case.
+void expectCaseValues(const nlohmann::json& doc) {
+  auto value = [&](const char* n) { return entry(doc, n)["value"].get<double>(); };
+  EXPECT_TRUE(nearRel(static_cast<float>(value("tres")), 171.0, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("pres")), 3520.0, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("pbubble")), 2715.0214893949105, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("bo")), 0.9798089702187491, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("ovisc")), 0.6129627075641453, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("ocomp")), 0.00034008164772727275, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("zfact")), 0.8621235022251834, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("bg")), 228.86602020742745, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("gvisc")), 0.022807534898589575, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("gdenres")), 0.19595484765094437, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(value("ghi")), 0.4408984072146248, kChainRel));
+}
+
+TEST_F(FluidsCommand, FillsTheThreeForms) {
+  const Outcome r = run(kCase);
+  ASSERT_EQ(r.status, 0) << r.err;
+  for (const char* title : {"Reservoir conditions", "Oil properties", "Gas properties"}) {
+    EXPECT_NE(r.out.find(title), std::string::npos) << title;
+  }
+  // One line per entry: name, description, value, unit, given or calculated.
+  EXPECT_NE(r.out.find("  tres      Reservoir temperature"), std::string::npos);
+  std::istringstream lines(r.out);
+  std::string line;
+  int given = 0, calculated = 0;
+  while (std::getline(lines, line)) {
+    if (line.ends_with(" given")) ++given;
+    if (line.ends_with(" calculated")) ++calculated;
+  }
+  EXPECT_EQ(given, 5);
+  EXPECT_EQ(calculated, 15);  // all 23 entries but the 5 inputs and the 3 impurities
+}
+
+TEST_F(FluidsCommand, JsonHoldsTheCalculatedChain) {
+  const Outcome r = run(std::string(kCase) + " --json");
+  ASSERT_EQ(r.status, 0) << r.err;
+  const auto doc = nlohmann::json::parse(r.out);
+  EXPECT_EQ(doc["units"], "oilfield");
+  ASSERT_EQ(doc["forms"].size(), 3u);
+  EXPECT_EQ(doc["forms"][0]["title"], "Reservoir conditions");
+  expectCaseValues(doc);
+  EXPECT_EQ(entry(doc, "tres")["state"], "calculated");
+  EXPECT_EQ(entry(doc, "oden")["state"], "given");
+  EXPECT_EQ(entry(doc, "tres")["unit"], "degf");
+}
+
+TEST_F(FluidsCommand, MetricInputGivesTheSameValues) {
+  // 8000 ft, 35 API = 141.5/166.5 sg, 600 scf/stb = 106.86456 m3/m3.
+  const Outcome r = run("--set dres=2438.4:m --set oden=0.84984985:sg --set sgden=0.75 "
+                    "--set solgor=106.86456:m3/m3 --set gden=0.7 --json");
+  ASSERT_EQ(r.status, 0) << r.err;
+  expectCaseValues(nlohmann::json::parse(r.out));
+}
+
+TEST_F(FluidsCommand, MetricDisplayUnits) {
+  const Outcome r = run(std::string(kCase) + " --units metric --json");
+  ASSERT_EQ(r.status, 0) << r.err;
+  const auto doc = nlohmann::json::parse(r.out);
+  EXPECT_EQ(entry(doc, "dres")["unit"], "m");
+  EXPECT_EQ(entry(doc, "pres")["unit"], "bar");
+  EXPECT_TRUE(nearRel(static_cast<float>(entry(doc, "dres")["value"].get<double>()), 2438.4, 1e-6));
+  EXPECT_TRUE(nearRel(static_cast<float>(entry(doc, "tres")["value"].get<double>()),
+                      (171.0 - 32.0) / 1.8, kChainRel));
+  EXPECT_TRUE(nearRel(static_cast<float>(entry(doc, "pres")["value"].get<double>()),
+                      3520.0 * 6894.757293168362 / 1e5, kChainRel));
+}
+
+TEST_F(FluidsCommand, BadInputExitsWithStatusTwoNamingIt) {
+  Outcome r = run("--set foo=1");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("Unknown entry \"foo\""), std::string::npos) << r.err;
+  r = run("--set tres=100:psia");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("\"psia\" is not a unit of temperature (entry \"tres\")"), std::string::npos)
+      << r.err;
+  r = run("--set dres=12x:ft");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("Cannot read \"12x\" as a number for entry \"dres\""), std::string::npos)
+      << r.err;
+  r = run("--calc nothing");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("Unknown entry \"nothing\""), std::string::npos) << r.err;
+}
+
+TEST_F(FluidsCommand, CalculatesOneEntryAlone) {
+  Outcome r = run("--set dres=5000 --calc tres --json");
+  ASSERT_EQ(r.status, 0) << r.err;
+  const auto doc = nlohmann::json::parse(r.out);
+  EXPECT_EQ(entry(doc, "tres")["value"], 135.0);
+  EXPECT_TRUE(entry(doc, "pres")["value"].is_null());
+  r = run("--calc oden");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find("No calculation for this entry"), std::string::npos) << r.err;
+  r = run("--calc pres");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find("Need a depth!"), std::string::npos) << r.err;
+}
+
+TEST_F(FluidsCommand, BatchGivesEveryEntryPerCaseAndReportsBadCells) {
+  const std::string in = tmp.write("cases.csv",
+                                   "dres[m],oden,sgden,solgor[m3/m3],gden\n"
+                                   "2438.4,35,0.75,106.86456,0.7\n"
+                                   "3000,abc,0.7,100,0.7\n"
+                                   "1524,35,0.75,,0.7\n");
+  const std::string out = tmp.file("out.csv");
+  const Outcome r = run("--batch " + in + " --out " + out);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find("row 3, column 2 (oden): cannot read \"abc\" as a number"),
+            std::string::npos)
+      << r.err;
+  std::istringstream lines(subsurf::testing::TempDir::read(out));
+  std::string header, first, bad, third;
+  std::getline(lines, header);
+  std::getline(lines, first);
+  std::getline(lines, bad);
+  std::getline(lines, third);
+  EXPECT_TRUE(header.starts_with("dres[ft],tres[degf],pres[psia],tsc[degf],psc[psia],oden[api]"));
+  EXPECT_TRUE(header.ends_with(",ghi[-],zfact[-]"));
+  EXPECT_EQ(bad, std::string(22, ','));
+  // zfact is the last column.
+  const double z = std::stod(first.substr(first.rfind(',') + 1));
+  EXPECT_TRUE(nearRel(static_cast<float>(z), 0.8621235022251834, kChainRel));
+  // 5000 ft: 135 degF; no gas-oil ratio, so no bubble point.
+  EXPECT_TRUE(third.starts_with("5000,135,2200,60,14.7,35,0.75,,,")) << third;
+}
+
+TEST_F(FluidsCommand, BatchHeaderErrorsStopTheRun) {
+  const std::string in = tmp.write("bad.csv", "dres[m],tres[bar],foo\n1000,1,1\n");
+  const Outcome r = run("--batch " + in);
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("column 2: \"bar\" is not a unit of temperature (entry \"tres\")"),
+            std::string::npos)
+      << r.err;
+  EXPECT_NE(r.err.find("column 3: Unknown entry \"foo\""), std::string::npos) << r.err;
+  EXPECT_TRUE(r.out.empty());
+}
+
+}  // namespace
+}  // namespace subsurf::fluids
