@@ -1,0 +1,95 @@
+// The correlations' exp, log, pow and sqrt: the single-precision value nearest
+// the true one (checked against the C library's double-precision functions,
+// rounded once), and the C library's results for special values.
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <random>
+
+#include "fluids/float_math.h"
+
+namespace subsurf::fluids {
+namespace {
+
+namespace fm = fmath;
+
+bool sameFloat(float a, float b) {
+  return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b) ||
+         (std::isnan(a) && std::isnan(b));
+}
+
+TEST(FloatMath, ExpAndLogRoundTheDoubleResult) {
+  std::mt19937 rng(5);
+  std::uniform_real_distribution<float> args(-110.0f, 95.0f);
+  std::uniform_int_distribution<std::uint32_t> positive(1u, 0x7f7fffffu);
+  int expMiss = 0, logMiss = 0;
+  for (int k = 0; k < 200000; ++k) {
+    const float x = args(rng);
+    if (fm::exp(x) != static_cast<float>(std::exp(static_cast<double>(x)))) ++expMiss;
+    const float y = std::bit_cast<float>(positive(rng));  // any positive float, subnormals too
+    if (fm::log(y) != static_cast<float>(std::log(static_cast<double>(y)))) ++logMiss;
+  }
+  EXPECT_EQ(expMiss, 0);
+  EXPECT_EQ(logMiss, 0);
+}
+
+TEST(FloatMath, PowRoundsTheDoubleResult) {
+  std::mt19937 rng(6);
+  std::uniform_real_distribution<float> base(0.0f, 10000.0f), exponent(-3.0f, 3.0f);
+  int miss = 0;
+  for (int k = 0; k < 200000; ++k) {
+    const float x = base(rng), y = exponent(rng);
+    const float expected =
+        static_cast<float>(std::pow(static_cast<double>(x), static_cast<double>(y)));
+    if (!sameFloat(fm::pow(x, y), expected)) ++miss;
+  }
+  EXPECT_EQ(miss, 0);
+  // The exponents the correlations use, on their usual bases.
+  EXPECT_EQ(fm::pow(600.0f, 1.2f), static_cast<float>(std::pow(600.0, static_cast<double>(1.2f))));
+  EXPECT_EQ(fm::pow(10.0f, 2.0f), 100.0f);
+  EXPECT_EQ(fm::pow(2.0f, -1.0f), 0.5f);
+}
+
+TEST(FloatMath, SqrtIsTheCorrectlyRoundedRoot) {
+  std::mt19937 rng(7);
+  std::uniform_int_distribution<std::uint32_t> positive(0u, 0x7f7fffffu);
+  for (int k = 0; k < 200000; ++k) {
+    const float x = std::bit_cast<float>(positive(rng));
+    ASSERT_EQ(fm::sqrt(x), std::sqrt(x)) << x;
+  }
+  constexpr float inf = std::numeric_limits<float>::infinity();
+  EXPECT_EQ(fm::sqrt(inf), inf);
+  EXPECT_TRUE(std::signbit(fm::sqrt(-0.0f)));
+  EXPECT_TRUE(std::isnan(fm::sqrt(-1.0f)));
+  EXPECT_EQ(fm::sqrt(4.0f), 2.0f);
+}
+
+TEST(FloatMath, SpecialValuesAsTheCLibraryGivesThem) {
+  constexpr float inf = std::numeric_limits<float>::infinity();
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  for (float x : {-inf, inf, nan, 89.0f, -104.0f, 0.0f, -0.0f}) {
+    EXPECT_TRUE(sameFloat(fm::exp(x), std::exp(x))) << "exp " << x;
+  }
+  for (float x : {0.0f, -0.0f, -1.0f, inf, -inf, nan, 1.0f, 1.0e-45f}) {
+    EXPECT_TRUE(sameFloat(fm::log(x), std::log(x))) << "log " << x;
+  }
+  const float cases[][2] = {
+      {0.0f, 2.0f},    {0.0f, -1.163f}, {-0.0f, -1.0f}, {-0.0f, 0.5f},  {-0.0f, 3.0f},
+      {-2.0f, 3.0f},   {-2.0f, 2.0f},   {-8.0f, 0.25f}, {-8.0f, -3.0f}, {1.0f, nan},
+      {nan, 0.0f},     {nan, 2.0f},     {2.0f, nan},    {-inf, 0.5f},   {-inf, 3.0f},
+      {-inf, -3.0f},   {inf, -1.0f},    {inf, 0.5f},    {2.0f, inf},    {0.5f, inf},
+      {2.0f, -inf},    {-1.0f, inf},    {-1.0f, -inf},  {-3.0f, 1.0e30f}, {-3.0f, 16777215.0f},
+      {10.0f, 40.0f},  {10.0f, -50.0f},
+  };
+  for (const auto& c : cases) {
+    EXPECT_TRUE(sameFloat(fm::pow(c[0], c[1]), std::pow(c[0], c[1])))
+        << "pow(" << c[0] << ", " << c[1] << ") = " << fm::pow(c[0], c[1]) << ", C library "
+        << std::pow(c[0], c[1]);
+  }
+}
+
+}  // namespace
+}  // namespace subsurf::fluids
