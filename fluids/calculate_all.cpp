@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "fluids/correlation_kernels.h"
 #include "fluids/gas_correlations.h"
 #include "fluids/oil_correlations.h"
 #include "fluids/z_factor_chart.h"
@@ -14,14 +15,8 @@ namespace {
 // Depths above this (ft, negative upwards) are taken as real reservoir depths.
 constexpr float kShallowestDepth = -1000.0f;
 
-// Two-segment geothermal gradient from a 60 degF surface: 1.5 degF per 100 ft
-// down to 5000 ft, 1.2 degF per 100 ft below.
-float geothermalTemperatureF(float depthFt) {
-  return 60.0f + 0.015f * std::min(depthFt, 5000.0f) + 0.012f * std::max(depthFt - 5000.0f, 0.0f);
-}
-
-// Hydrostatic pressure at 0.44 psi/ft.
-float hydrostaticPressure(float depthFt) { return 0.44f * depthFt; }
+using kernels::geothermalTemperatureF;
+using kernels::hydrostaticPressure;
 
 constexpr float kStandardTemperatureF = 60.0f;
 constexpr float kStandardPressure = 14.7f;
@@ -35,17 +30,8 @@ void store(FluidTable& t, Entry e, float value) {
   t.set(e, t.fixedUnit(e), value, kStateCalculated);
 }
 
-// Compressibility as the oil form computes it: McCain's saturated form with the
-// gas-oil ratio at reservoir pressure when the oil is at or below its bubble
-// point, Vasquez-Beggs with the solution ratio when it is undersaturated.
 float formCompressibility(float solgor, float sgden, float oden, float tR, float pres, float pb) {
-  int method = kCompressibilityVasquezBeggs;
-  float rs = solgor;
-  if (pres <= pb) {
-    method = kCompressibilityMcCain;
-    rs = oilSolutionGor(tR, pres, oden, sgden);
-  }
-  return oilCompressibility(rs, sgden, oden, tR, pres, method, pb, solgor);
+  return kernels::formCompressibility(solgor, sgden, oden, tR, pres, pb);
 }
 
 Status answer(const char* text) {

@@ -226,4 +226,29 @@ SUBSURF_FLUIDS_INLINE float liveViscosity(float dead, float gor) {
   return ok ? mu : kRealNull;
 }
 
+// ------------------------------------------------------- the forms' rules ----
+
+// Two-segment geothermal gradient from a 60 degF surface: 1.5 degF per 100 ft
+// down to 5000 ft, 1.2 degF per 100 ft below.
+SUBSURF_FLUIDS_INLINE float geothermalTemperatureF(float depthFt) {
+  const float upper = 5000.0f < depthFt ? 5000.0f : depthFt;  // min(depth, 5000)
+  const float below = depthFt - 5000.0f;
+  const float lower = below < 0.0f ? 0.0f : below;             // max(depth - 5000, 0)
+  return 60.0f + 0.015f * upper + 0.012f * lower;
+}
+
+// Hydrostatic pressure at 0.44 psi/ft.
+SUBSURF_FLUIDS_INLINE float hydrostaticPressure(float depthFt) { return 0.44f * depthFt; }
+
+// The oil form's compressibility: McCain's saturated form with the gas-oil
+// ratio at reservoir pressure when the oil is at or below its bubble point,
+// Vasquez-Beggs with the solution ratio when it is undersaturated.
+SUBSURF_FLUIDS_INLINE float formCompressibility(float solgor, float sgden, float oden, float tR,
+                                                float pres, float pb) {
+  const bool saturated = pres <= pb;
+  const float rs = saturated ? solutionGor(tR, pres, oden, sgden) : solgor;
+  const int method = saturated ? kCoMcCain : kCoVasquezBeggs;
+  return compressibility(rs, sgden, oden, tR, pres, method, pb);
+}
+
 }  // namespace subsurf::fluids::kernels

@@ -44,10 +44,7 @@ namespace batch_loops {
 
 SUBSURF_SIMD_CLONES
 void geothermal(const float* __restrict depth, float* __restrict out, int n) {
-  for (int i = 0; i < n; ++i) {
-    const float d = depth[i];
-    out[i] = 60.0f + 0.015f * std::min(d, 5000.0f) + 0.012f * std::max(d - 5000.0f, 0.0f);
-  }
+  for (int i = 0; i < n; ++i) out[i] = kernels::geothermalTemperatureF(depth[i]);
 }
 
 SUBSURF_SIMD_CLONES
@@ -78,16 +75,11 @@ void liveViscosity(const float* __restrict dead, const float* __restrict tF, con
   }
 }
 
-// The oil form's compressibility: McCain's saturated form with the ratio at
-// reservoir pressure at or below the bubble point, Vasquez-Beggs above it.
 SUBSURF_SIMD_CLONES
 void compressibility(const float* __restrict gor, const float* __restrict gg, const float* __restrict api, const float* __restrict tR,
                      const float* __restrict p, const float* __restrict pb, float* __restrict out, int n) {
   for (int i = 0; i < n; ++i) {
-    const bool saturated = p[i] <= pb[i];
-    const float rs = saturated ? kernels::solutionGor(tR[i], p[i], api[i], gg[i]) : gor[i];
-    const int method = saturated ? kernels::kCoMcCain : kernels::kCoVasquezBeggs;
-    out[i] = kernels::compressibility(rs, gg[i], api[i], tR[i], p[i], method, pb[i]);
+    out[i] = kernels::formCompressibility(gor[i], gg[i], api[i], tR[i], p[i], pb[i]);
   }
 }
 
@@ -258,7 +250,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   fixedRead(Entry::Pres, c);
   for (int i = 0; i < n; ++i) {
     mask[i] = c.due(i) & (depth[i] >= -1000.0f);
-    pres[i] = mask[i] ? 0.44f * depth[i] : c.value[i];
+    pres[i] = mask[i] ? kernels::hydrostaticPressure(depth[i]) : c.value[i];
   }
   store(Entry::Pres, pres, mask);
 

@@ -9,12 +9,17 @@
 // density g/cc. A missing or out-of-range input gives kRealNull.
 #pragma once
 
+#include "fluids/correlation_kernels.h"
+
 namespace subsurf::fluids {
 
 // Methods of oilCompressibility.
 inline constexpr int kCompressibilityVasquezBeggs = 1;        // undersaturated oil
 inline constexpr int kCompressibilityMcCainNoBubblePoint = 2;  // saturated oil, bubble point unknown
 inline constexpr int kCompressibilityMcCain = 3;              // saturated oil
+static_assert(kCompressibilityVasquezBeggs == kernels::kCoVasquezBeggs &&
+              kCompressibilityMcCainNoBubblePoint == kernels::kCoMcCainNoBubblePoint &&
+              kCompressibilityMcCain == kernels::kCoMcCain);
 
 // Bubble-point pressure (psia) from the Vasquez-Beggs solution-GOR relation.
 float oilBubblePoint(float gor, float gasGravity, float api, float temperatureR);
