@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <cstring>
 #include <memory>
 
@@ -298,7 +299,7 @@ Rgb rockColour(const RowPlan& row, const Layout& L, double along, double t, doub
   // Laminae of uneven thickness: the phase wanders, and only the troughs of
   // the wave show, as thin dark partings.
   const double phase = xb / seg.period + 1.5 * fbm(xb / (7 * seg.period), 0.25, seg.seed + 13, 2);
-  const double wave = 0.5 + 0.5 * std::sin(2 * M_PI * phase);
+  const double wave = 0.5 + 0.5 * std::sin(2 * std::numbers::pi * phase);
   const double lam = 0.35 - std::pow(wave, 5.0);
   const double lamStrength = seg.rock->laminae * (0.3 + 0.7 * fbm(xb / (60 * L.u), 0.5, seg.seed + 11, 2));
   const double mott = fbm(x / (25 * L.u), y / (25 * L.u), seg.seed + 21, 3) - 0.5;
@@ -419,9 +420,9 @@ void drawRubble(cairo_t* cr, const Layout& L, const RowPlan& row, Random& rnd) {
       // An irregular lump: a polygon with jittered corners.
       cairo_new_path(cr);
       const int corners = rnd.between(5, 8);
-      const double turn = rnd.uniform(0, 2 * M_PI);
+      const double turn = rnd.uniform(0, 2 * std::numbers::pi);
       for (int k2 = 0; k2 < corners; ++k2) {
-        const double a = turn + 2 * M_PI * k2 / corners;
+        const double a = turn + 2 * std::numbers::pi * k2 / corners;
         const double rr = r * rnd.uniform(0.65, 1.15);
         cairo_line_to(cr, x + rr * std::cos(a), y + rr * 0.8 * std::sin(a));
       }
@@ -511,7 +512,7 @@ void drawLabelCard(cairo_t* cr, const Layout& L, const SampleTraySpec& spec, dou
   const double y = L.headerTop + 0.05 * hb;
   cairo_save(cr);
   cairo_translate(cr, x + w / 2, y + h / 2);
-  cairo_rotate(cr, rnd.uniform(-1.2, 1.2) * M_PI / 180.0);
+  cairo_rotate(cr, rnd.uniform(-1.2, 1.2) * std::numbers::pi / 180.0);
   cairo_set_source_rgba(cr, 0, 0, 0, 0.35);  // shadow
   cairo_rectangle(cr, -w / 2 + 4 * L.u, -h / 2 + 4 * L.u, w, h);
   cairo_fill(cr);

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cmath>
+#include <numbers>
 #include <cstring>
 
 #include <fmt/format.h>
@@ -259,7 +260,7 @@ Status Photo::openCut(const CutSpec& spec, std::unique_ptr<RowSource>& rows) con
       // Turn about the centre of the picture; libvips places pixel centres on
       // whole coordinates, so the centre of a w-wide picture is (w - 1) / 2.
       // The output area is the box itself, so only the row is computed.
-      const double a = angle * M_PI / 180.0;
+      const double a = angle * std::numbers::pi / 180.0;
       const double c = std::cos(a), s = std::sin(a);
       const double cx = (width() - 1) / 2.0, cy = (height() - 1) / 2.0;
       piece = impl_->upright.affine({c, -s, s, c}, VImage::option()

@@ -26,6 +26,10 @@ Status startVips() {
   vips_cache_set_max_mem(0);
   vips_cache_set_max_files(0);
   vips_leak_set(FALSE);
+  // One worker per photograph: decoding a JPEG is serial anyway, and the
+  // programs run several photographs side by side, so more workers would
+  // only add threads and buffers. VIPS_CONCURRENCY still overrides this.
+  if (std::getenv("VIPS_CONCURRENCY") == nullptr) vips_concurrency_set(1);
   // libvips also prints warnings of its own (such as "error in tile ...")
   // for faults that reach us as errors anyway; a library inside someone
   // else's program should not write to its terminal.

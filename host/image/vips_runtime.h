@@ -5,7 +5,9 @@
 //
 // The start-up is tuned for cutting tray photographs: the operation cache is
 // switched off (each photo is decoded once and cut; caching decoded pixels
-// between photos would only let memory grow over a long session), and the
+// between photos would only let memory grow over a long session), libvips
+// works with one thread per call (unless VIPS_CONCURRENCY says otherwise;
+// the programs parallelise over photographs instead), and the
 // optional format modules (ImageMagick, PDF, HEIF, slide scanners) are not
 // loaded unless SUBSURF_VIPS_MODULES=1 is set: they are not needed for the
 // JPEG, PNG, TIFF and BMP photographs we read, and loading them costs tens of

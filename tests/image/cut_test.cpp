@@ -2,6 +2,9 @@
 // flips and straightening angles, each checked against a plain computation.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <numbers>
+
 #include "host/image/image_messages.h"
 #include "host/image/photo.h"
 #include "image_test_support.h"
@@ -141,7 +144,7 @@ TEST_F(CutTest, SmallAngleKeepsTheCentreAndFillsCornersWithBlack) {
   EXPECT_EQ(r.pixel(100, 0)[1], 0);
   // A point off the centre moves the clockwise way: the pixel right of the
   // centre moves down.
-  const double a = 3.0 * M_PI / 180.0;
+  const double a = 3.0 * std::numbers::pi / 180.0;
   const int x = static_cast<int>(std::lround(50 + 40 * std::cos(a)));
   const int y = static_cast<int>(std::lround(30 + 40 * std::sin(a)));
   EXPECT_NEAR(r.pixel(x, y)[0], big.pixel(90, 30)[0], 3);

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <thread>
+
 #include "host/image/atomic_output.h"
 #include "host/image/bmp.h"
 #include "host/image/cgm.h"
@@ -207,6 +211,46 @@ TEST_F(WriterTest, AtomicOutputWithoutCommitLeavesNothing) {
   EXPECT_EQ(dir.entries(), std::vector<std::string>{"tray.png"});
   AtomicOutput unnamed("");
   EXPECT_EQ(unnamed.open().message(), "no file name given");
+}
+
+}  // namespace
+}  // namespace subsurf::image
+
+namespace subsurf::image {
+namespace {
+
+using namespace testing;
+
+class ParallelTest : public ImageTest {};
+
+TEST_F(ParallelTest, PhotosAreCutOnSeveralThreadsAtOnce) {
+  // The command-line programs split several photographs side by side.
+  constexpr int kThreads = 4;
+  std::vector<Raster> originals;
+  for (int i = 0; i < kThreads; ++i) {
+    originals.push_back(patternRaster(60 + i, 40 + i));
+    saveWithVips(originals.back(), dir.file("tray" + std::to_string(i) + ".png"));
+  }
+  std::vector<int> good(kThreads, 0);
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back([&, i] {
+      for (int round = 0; round < 5; ++round) {
+        Photo photo;
+        if (!Photo::load(dir.file("tray" + std::to_string(i) + ".png"), photo)) return;
+        CutSpec spec{{2, 3, 30, 20}};
+        spec.quarterTurns = round;
+        const std::string out = dir.file("row" + std::to_string(i) + "-" + std::to_string(round) + ".bmp");
+        if (!cutToFile(photo, spec, out, ImageFormat::Bmp)) return;
+        Raster back;
+        if (!readBmp(out, back)) return;
+        if (samePixels(back, turnedClockwise(region(originals[i], {2, 3, 30, 20}), round))) ++good[i];
+      }
+    });
+  }
+  for (auto& t : threads) t.join();
+  EXPECT_EQ(good, std::vector<int>(kThreads, 5));
+  EXPECT_EQ(dir.entries().size(), static_cast<std::size_t>(kThreads * 6));  // photos and rows, no leftovers
 }
 
 }  // namespace
