@@ -17,4 +17,14 @@ void installTerminalHost(const char* programName) {
   host::setHostCallbacks(cb);
 }
 
+int runApp(CLI::App& app, int argc, char** argv, const int& exitCode) {
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    const int rc = app.exit(e);
+    return rc == 0 ? kExitOk : kExitBadInput;
+  }
+  return exitCode;
+}
+
 }  // namespace subsurf::cli

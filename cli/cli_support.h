@@ -13,4 +13,8 @@ inline constexpr int kExitBadInput = 2;    // bad arguments, unreadable or impos
 // Messages from the library go to standard error with the program's name in front.
 void installTerminalHost(const char* programName);
 
+// Parses the command line and runs the chosen subcommand. Returns the exit status:
+// the subcommand's own (exitCode), 0 for --help, kExitBadInput for bad arguments.
+int runApp(CLI::App& app, int argc, char** argv, const int& exitCode);
+
 }  // namespace subsurf::cli

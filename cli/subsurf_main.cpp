@@ -13,11 +13,5 @@ int main(int argc, char** argv) {
   int exitCode = subsurf::cli::kExitOk;
   subsurf::cli::addUnitsCommand(app, exitCode);
   subsurf::cli::addFluidsCommand(app, exitCode);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& e) {
-    const int rc = app.exit(e);
-    return rc == 0 ? 0 : subsurf::cli::kExitBadInput;
-  }
-  return exitCode;
+  return subsurf::cli::runApp(app, argc, argv, exitCode);
 }
