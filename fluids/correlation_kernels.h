@@ -125,8 +125,12 @@ SUBSURF_FLUIDS_INLINE float chartZ(float tpr, float ppr, int& status, ChartBrack
   const int c0 = b.column - 2, c1 = b.column - 1;
   b.ft = (tpr - kChartTemperatures[r0]) / (kChartTemperatures[r1] - kChartTemperatures[r0]);
   b.fp = (ppr - kChartPressures[c0]) / (kChartPressures[c1] - kChartPressures[c0]);
-  b.z1 = kChart[r0][c0] + b.ft * (kChart[r1][c0] - kChart[r0][c0]);
-  b.z2 = kChart[r0][c1] + b.ft * (kChart[r1][c1] - kChart[r0][c1]);
+  // Corners through a flat index (which vectorised loops can gather from).
+  const float* flat = &kChart[0][0];
+  const float z00 = flat[r0 * kChartColumns + c0], z10 = flat[r1 * kChartColumns + c0];
+  const float z01 = flat[r0 * kChartColumns + c1], z11 = flat[r1 * kChartColumns + c1];
+  b.z1 = z00 + b.ft * (z10 - z00);
+  b.z2 = z01 + b.ft * (z11 - z01);
   const float z = b.z1 + b.fp * (b.z2 - b.z1);
   status = ok ? ((outT | outP) ? -1 : 0) : 1;
   return ok ? z : kRealNull;
@@ -245,10 +249,11 @@ SUBSURF_FLUIDS_INLINE float hydrostaticPressure(float depthFt) { return 0.44f * 
 // Vasquez-Beggs with the solution ratio when it is undersaturated.
 SUBSURF_FLUIDS_INLINE float formCompressibility(float solgor, float sgden, float oden, float tR,
                                                 float pres, float pb) {
-  const bool saturated = pres <= pb;
-  const float rs = saturated ? solutionGor(tR, pres, oden, sgden) : solgor;
-  const int method = saturated ? kCoMcCain : kCoVasquezBeggs;
-  return compressibility(rs, sgden, oden, tR, pres, method, pb);
+  // Both are formed and one is chosen, which keeps loops over this branch-free.
+  const float saturated = compressibility(solutionGor(tR, pres, oden, sgden), sgden, oden, tR,
+                                          pres, kCoMcCain, pb);
+  const float undersaturated = compressibility(solgor, sgden, oden, tR, pres, kCoVasquezBeggs, pb);
+  return pres <= pb ? saturated : undersaturated;
 }
 
 }  // namespace subsurf::fluids::kernels
