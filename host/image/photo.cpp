@@ -4,8 +4,12 @@
 
 #include <cerrno>
 #include <cmath>
-#include <numbers>
+#include <cstdlib>
 #include <cstring>
+#include <mutex>
+#include <numbers>
+#include <thread>
+#include <vector>
 
 #include <fmt/format.h>
 #include <vips/vips8>
@@ -84,10 +88,94 @@ class VipsRowSource : public RowSource {
 
 }  // namespace
 
+namespace {
+
+// Memory for decoded photographs. A split decodes photo after photo, each
+// tens of megabytes; handing the same buffers round again spares the system
+// from mapping, zeroing and faulting in fresh pages for every photo, which
+// costs as much as a good part of the decoding. A few buffers are kept
+// (enough for the photos being cut side by side); the rest go back.
+class PixelMemory {
+ public:
+  struct Block {
+    std::uint8_t* data = nullptr;
+    std::size_t bytes = 0;
+  };
+
+  static PixelMemory& instance() {
+    static PixelMemory* pool = new PixelMemory;  // lives as long as images may close
+    return *pool;
+  }
+
+  Block* take(std::size_t bytes) {
+    {
+      std::lock_guard lock(mutex_);
+      // The smallest kept block that is large enough, and not wastefully large.
+      auto best = kept_.end();
+      for (auto it = kept_.begin(); it != kept_.end(); ++it) {
+        if ((*it)->bytes >= bytes && (*it)->bytes <= bytes + bytes / 2 &&
+            (best == kept_.end() || (*it)->bytes < (*best)->bytes)) {
+          best = it;
+        }
+      }
+      if (best != kept_.end()) {
+        Block* b = *best;
+        kept_.erase(best);
+        return b;
+      }
+    }
+    auto* data = static_cast<std::uint8_t*>(std::malloc(bytes));
+    if (data == nullptr) return nullptr;
+    return new Block{data, bytes};
+  }
+
+  void give(Block* block) {
+    std::lock_guard lock(mutex_);
+    kept_.push_back(block);
+    const std::size_t keep = std::max(2u, std::thread::hardware_concurrency());
+    while (kept_.size() > keep) {
+      std::free(kept_.front()->data);
+      delete kept_.front();
+      kept_.erase(kept_.begin());
+    }
+  }
+
+  void drop() {
+    std::lock_guard lock(mutex_);
+    for (Block* b : kept_) {
+      std::free(b->data);
+      delete b;
+    }
+    kept_.clear();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<Block*> kept_;
+};
+
+// A libvips image over a block; the block goes back to the pool when the last
+// reference to the image (the photo, or a cut still being written) is gone.
+VImage wrapBlock(PixelMemory::Block* block, int width, int height, int orientation) {
+  VImage image = VImage::new_from_memory(block->data, block->bytes, width, height, 3, VIPS_FORMAT_UCHAR);
+  g_signal_connect(image.get_image(), "postclose",
+                   G_CALLBACK(+[](VipsImage*, gpointer b) {
+                     PixelMemory::instance().give(static_cast<PixelMemory::Block*>(b));
+                   }),
+                   block);
+  image.set(VIPS_META_ORIENTATION, orientation);
+  return image;
+}
+
+}  // namespace
+
+void releaseKeptPhotoMemory() { PixelMemory::instance().drop(); }
+
 struct Photo::Impl {
   std::string path;
   VImage decoded;  // in memory, as stored in the file
   VImage upright;  // decoded, turned the way the camera was held (lazy)
+  const std::uint8_t* pixels = nullptr;  // decoded's memory
   int orientation = 1;
 };
 
@@ -155,24 +243,22 @@ Status Photo::load(const std::string& path, Photo& out) {
   auto impl = std::make_unique<Impl>();
   impl->path = path;
 
+  auto noMemory = [&](int w, int h) {
+    return reportPhotoFailure(kErrorLoading, path, fmt::format("not enough memory for {} x {} pixels", w, h));
+  };
   std::string bmpProblem;
   if (looksLikeBmp(path)) {
     BmpInfo info;
     Status s = readBmpInfo(path, info);
     if (s) {
       const std::size_t stride = 3 * static_cast<std::size_t>(info.width);
-      const std::size_t bytes = stride * static_cast<std::size_t>(info.height);
-      void* memory = g_try_malloc(bytes);
-      if (memory == nullptr) {
-        return reportPhotoFailure(kErrorLoading, path,
-                                  fmt::format("not enough memory for {} x {} pixels", info.width, info.height));
-      }
-      s = readBmpPixels(path, info, static_cast<std::uint8_t*>(memory), stride);
+      PixelMemory::Block* block = PixelMemory::instance().take(stride * static_cast<std::size_t>(info.height));
+      if (block == nullptr) return noMemory(info.width, info.height);
+      s = readBmpPixels(path, info, block->data, stride);
       if (s) {
-        // libvips takes the buffer over and frees it with the image.
-        impl->decoded = VImage::new_from_memory_steal(memory, bytes, info.width, info.height, 3, VIPS_FORMAT_UCHAR);
+        impl->decoded = wrapBlock(block, info.width, info.height, 1);
       } else {
-        g_free(memory);
+        PixelMemory::instance().give(block);
       }
     }
     if (!s) bmpProblem = s.message();
@@ -196,21 +282,27 @@ Status Photo::load(const std::string& path, Photo& out) {
     } catch (const VError& e) {
       return reportPhotoFailure(kErrorLoading, path, bmpProblem.empty() ? vipsReason(e) : bmpProblem);
     }
+    if (impl->orientation < 1 || impl->orientation > 8) impl->orientation = 1;
     VImage rgb;
     try {
       rgb = toRgb8(file);
     } catch (const VError& e) {
       return reportPhotoFailure(kErrorConverting, path, vipsReason(e));
     }
-    try {
-      impl->decoded = rgb.copy_memory();
-    } catch (const VError& e) {
-      return reportPhotoFailure(kErrorLoading, path, vipsReason(e));
+    const std::size_t bytes = 3 * static_cast<std::size_t>(rgb.width()) * static_cast<std::size_t>(rgb.height());
+    PixelMemory::Block* block = PixelMemory::instance().take(bytes);
+    if (block == nullptr) return noMemory(rgb.width(), rgb.height());
+    // The decoder writes straight into the block, top to bottom; if it fails,
+    // dropping the image hands the block back.
+    VImage decoded = wrapBlock(block, rgb.width(), rgb.height(), impl->orientation);
+    if (vips_image_write(rgb.get_image(), decoded.get_image()) != 0) {
+      return reportPhotoFailure(kErrorLoading, path, takeVipsError());
     }
+    impl->decoded = decoded;
   }
+  impl->pixels = static_cast<const std::uint8_t*>(impl->decoded.data());
 
   impl->upright = impl->decoded;
-  if (impl->orientation < 1 || impl->orientation > 8) impl->orientation = 1;
   if (impl->orientation != 1) {
     try {
       impl->upright = impl->decoded.autorot();
@@ -244,7 +336,7 @@ Status Photo::openCut(const CutSpec& spec, std::unique_ptr<RowSource>& rows) con
 
   if (impl_->orientation == 1 && angle == 0.0 && turns == 0 && spec.flip == Flip::None) {
     // Plain crop of the decoded pixels: hand out a view, copy nothing.
-    const auto* base = static_cast<const std::uint8_t*>(impl_->decoded.data());
+    const std::uint8_t* base = impl_->pixels;
     const std::size_t stride = 3 * static_cast<std::size_t>(impl_->decoded.width());
     const RasterView view{base + box.top * stride + 3 * static_cast<std::size_t>(box.left), box.width,
                           box.height, stride};

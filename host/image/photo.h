@@ -37,6 +37,11 @@ Status readPixelSize(const std::string& path, PixelSize& size);
 // "npixy" (height) of the upright photograph. Any other name is an error.
 Status readImageAttribute(const std::string& path, std::string_view name, int& value);
 
+// Decoded photographs hand their memory on to the next photograph decoded
+// (a few buffers are kept for that). A host that has finished splitting can
+// give the kept buffers back to the system with this.
+void releaseKeptPhotoMemory();
+
 enum class Flip { None, Horizontal, Vertical };
 
 // How a row is cut out of a photograph, so that its depth increases from left

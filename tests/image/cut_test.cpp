@@ -171,3 +171,51 @@ TEST_F(CutTest, OrientedPhotoIsCutInUprightCoordinates) {
 
 }  // namespace
 }  // namespace subsurf::image
+
+namespace subsurf::image {
+namespace {
+
+using namespace testing;
+
+class PhotoMemoryTest : public ImageTest {};
+
+TEST_F(PhotoMemoryTest, MemoryIsHandedOnOnlyWhenNothingUsesItAnyMore) {
+  const Raster first = patternRaster(50, 20);
+  Raster second(50, 20);
+  std::fill(second.bytes().begin(), second.bytes().end(), 9);
+  saveWithVips(first, dir.file("first.png"));
+  saveWithVips(second, dir.file("second.png"));
+
+  // A turned cut is computed on demand and still needs the first photo's
+  // pixels after the photo itself is gone.
+  std::unique_ptr<RowSource> pending;
+  {
+    Photo photo;
+    ASSERT_TRUE(Photo::load(dir.file("first.png"), photo));
+    CutSpec spec{{0, 0, 50, 20}};
+    spec.quarterTurns = 1;
+    ASSERT_TRUE(photo.openCut(spec, pending));
+  }
+  Photo next;
+  ASSERT_TRUE(Photo::load(dir.file("second.png"), next));
+  Raster late;
+  ASSERT_TRUE(readAllRows(*pending, late));
+  EXPECT_TRUE(samePixels(late, turnedClockwise(first, 1)));
+  pending.reset();
+
+  // Memory that has been handed on holds the new photo, nothing of the old.
+  Raster all;
+  ASSERT_TRUE(next.cut({{0, 0, 50, 20}}, all));
+  EXPECT_TRUE(samePixels(all, second));
+  next = Photo();
+  Photo third;
+  ASSERT_TRUE(Photo::load(dir.file("first.png"), third));
+  ASSERT_TRUE(third.cut({{0, 0, 50, 20}}, all));
+  EXPECT_TRUE(samePixels(all, first));
+  releaseKeptPhotoMemory();
+  ASSERT_TRUE(third.cut({{0, 0, 50, 20}}, all));  // a photo in use keeps its memory
+  EXPECT_TRUE(samePixels(all, first));
+}
+
+}  // namespace
+}  // namespace subsurf::image

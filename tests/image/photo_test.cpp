@@ -67,8 +67,10 @@ TEST_F(PhotoTest, CameraOrientationIsAppliedToPixelsAndSizes) {
     int turns;      // clockwise quarter turns that make the picture upright
     bool mirrored;  // mirrored left-right after turning
   };
-  for (const Case c : {Case{1, 0, false}, Case{2, 0, true}, Case{3, 2, false}, Case{6, 1, false},
-                       Case{8, 3, false}}) {
+  // 4, 5 and 7 are the mirrored forms: a vertical mirror is a half turn and a
+  // left-right mirror; 5 is the picture transposed, 7 transposed the other way.
+  for (const Case c : {Case{1, 0, false}, Case{2, 0, true}, Case{3, 2, false}, Case{4, 2, true},
+                       Case{5, 1, true}, Case{6, 1, false}, Case{7, 3, true}, Case{8, 3, false}}) {
     SCOPED_TRACE(c.orientation);
     const std::string path = dir.file("o" + std::to_string(c.orientation) + ".tif");
     saveWithVips(r, path, c.orientation);
