@@ -18,14 +18,6 @@ std::uint16_t le16(const std::vector<std::uint8_t>& b, std::size_t at) { return 
 
 class BmpTest : public ImageTest {};
 
-TEST_F(BmpTest, RowPaddingRoundsToFourBytes) {
-  EXPECT_EQ(bmpRowBytes(1), 4u);
-  EXPECT_EQ(bmpRowBytes(2), 8u);
-  EXPECT_EQ(bmpRowBytes(3), 12u);
-  EXPECT_EQ(bmpRowBytes(4), 12u);
-  EXPECT_EQ(bmpRowBytes(5), 16u);
-}
-
 TEST_F(BmpTest, HeaderDescribesABottomUp24BitPicture) {
   const Raster r = patternRaster(5, 3);
   const std::string path = dir.file("row.bmp");

@@ -1,8 +1,6 @@
 // Layout previews and sample tray photographs.
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "host/drawing/preview.h"
 #include "host/drawing/sample_tray.h"
 #include "host/image/image_writer.h"
@@ -110,23 +108,6 @@ TEST_F(PreviewTest, DecodedPhotoAndFileGiveTheSamePreview) {
     ASSERT_EQ(a.height(), 800);
     EXPECT_LT(meanAbsDifference(a, b), 2.0);
   }
-}
-
-TEST_F(PreviewTest, ColoursCycleAndDiffer) {
-  std::set<std::vector<double>> seen;
-  for (int i = 0; i < 6; ++i) {
-    double c[3];
-    previewColour(i, c);
-    seen.insert({c[0], c[1], c[2]});
-  }
-  EXPECT_EQ(seen.size(), 6u);
-  double a[3], b[3];
-  previewColour(7, a);
-  previewColour(1, b);
-  EXPECT_EQ(std::vector<double>(a, a + 3), std::vector<double>(b, b + 3));
-  previewColour(-1, a);  // negative indices do not read outside the table
-  previewColour(5, b);
-  EXPECT_EQ(std::vector<double>(a, a + 3), std::vector<double>(b, b + 3));
 }
 
 TEST_F(PreviewTest, FailuresNameTheFileAtFault) {

