@@ -15,6 +15,7 @@
 #pragma once
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -74,8 +75,27 @@ struct LogTable {
   double invC[128];
   double logC[128];
 };
-LogTable makeLogTable();
-inline const LogTable kLogTable = makeLogTable();
+
+#if defined(__GNUC__) && !defined(__clang__)
+// GCC evaluates its logarithm at compile time (correctly rounded), so the
+// table is a constant and ready before any code runs.
+#define SUBSURF_LOG_TABLE_CONSTEXPR constexpr
+inline constexpr double tableLog(double c) { return __builtin_log(c); }
+#else
+#define SUBSURF_LOG_TABLE_CONSTEXPR const
+inline double tableLog(double c) { return std::log(c); }
+#endif
+
+inline SUBSURF_LOG_TABLE_CONSTEXPR LogTable makeLogTable() {
+  LogTable t{};
+  for (std::uint64_t i = 0; i < 128; ++i) {
+    const double c = std::bit_cast<double>(LogTable::kOffset + (i << LogTable::kBucketShift));
+    t.invC[i] = 1.0 / c;
+    t.logC[i] = tableLog(c);
+  }
+  return t;
+}
+inline SUBSURF_LOG_TABLE_CONSTEXPR LogTable kLogTable = makeLogTable();
 
 // Natural logarithm of a value converted from single precision (so never
 // subnormal): -inf at 0, NaN below 0 and for NaN, +inf at +inf. Relative
