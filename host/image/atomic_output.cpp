@@ -1,6 +1,7 @@
 #include "host/image/atomic_output.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -77,6 +78,13 @@ Status AtomicOutput::commit() {
     discard();
     return s;
   }
+  // An existing file of that name is removed first rather than renamed over:
+  // on ext4, renaming over a file makes the kernel push the new file's data
+  // to disk at once (its guard against empty files after a crash), which
+  // more than doubles the time of a re-run that replaces every row image.
+  // The name is briefly absent, never attached to a partial file.
+  struct stat st {};
+  if (::lstat(target_.c_str(), &st) == 0 && S_ISREG(st.st_mode)) ::unlink(target_.c_str());
   if (std::rename(tempPath_.c_str(), target_.c_str()) != 0) {
     const int error = errno;
     discard();

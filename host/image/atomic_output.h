@@ -5,7 +5,8 @@
 // the target only when every byte has been written and the file closed. If
 // anything fails, or the writer is abandoned, the temporary file is removed:
 // a crashed or failed split never leaves a half-written picture under a name
-// that looks like a finished row.
+// that looks like a finished row. An older file of the target's name is
+// removed just before the rename (see commit()).
 #pragma once
 
 #include <cstdio>
