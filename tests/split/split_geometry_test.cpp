@@ -8,127 +8,68 @@
 namespace subsurf::split {
 namespace {
 
-TEST(BoundingBox, OfFourCornersInAnyOrder) {
-  EXPECT_EQ(boundingBox({{10, 20}, {110, 20}, {110, 40}, {10, 40}}), (RowBox{10, 20, 110, 40}));
+TEST(BoundingBox, OfTheOutlineOnPixelCorners) {
   EXPECT_EQ(boundingBox({{110, 40}, {10, 40}, {10, 20}, {110, 20}}), (RowBox{10, 20, 110, 40}));
-  // A slightly skewed outline: the box holds all of it.
-  EXPECT_EQ(boundingBox({{12, 20}, {110, 18}, {108, 41}, {10, 40}}), (RowBox{10, 18, 110, 41}));
-}
-
-TEST(BoundingBox, TooFewVerticesIsEmpty) {
-  EXPECT_TRUE(boundingBox({}).empty());
+  EXPECT_EQ(boundingBox({{12, 20}, {110, 18}, {108, 41}, {10, 40}}), (RowBox{10, 18, 110, 41}));  // skewed
   EXPECT_TRUE(boundingBox({{5, 5}}).empty());
-  EXPECT_EQ(boundingBox({{5, 5}}).pixelBox(), (image::PixelBox{0, 0, 0, 0}));
-}
-
-TEST(RowBox, PixelBoxIsLeftTopWidthHeight) {
   EXPECT_EQ((RowBox{10, 20, 110, 40}).pixelBox(), (image::PixelBox{10, 20, 100, 20}));
 }
 
-TEST(Orientation, HorizontalSettingDecidesTheAxis) {
+TEST(Orientation, SettingsOrShapeAndTheTurnThatFollows) {
   const RowBox wide{0, 0, 100, 10}, tall{0, 0, 10, 100}, square{0, 0, 50, 50};
-  EXPECT_EQ(decideOrientation(1, 0, tall).axis, RowAxis::AlongX);
-  EXPECT_EQ(decideOrientation(0, 0, wide).axis, RowAxis::AlongY);
+  EXPECT_EQ(decideOrientation(1, 0, tall), (RowOrientation{RowAxis::AlongX, false}));
+  EXPECT_EQ(decideOrientation(0, 0, wide), (RowOrientation{RowAxis::AlongY, false}));
   for (int unset : {kIntNull, -1, 2}) {
     EXPECT_EQ(decideOrientation(unset, 0, wide).axis, RowAxis::AlongX) << unset;
     EXPECT_EQ(decideOrientation(unset, 0, tall).axis, RowAxis::AlongY) << unset;
     EXPECT_EQ(decideOrientation(unset, 0, square).axis, RowAxis::AlongX) << unset;
   }
-}
-
-TEST(Orientation, OnlyReverseOneReverses) {
-  const RowBox wide{0, 0, 100, 10};
   EXPECT_TRUE(decideOrientation(1, 1, wide).reversed);
   for (int v : {0, 2, kIntNull}) EXPECT_FALSE(decideOrientation(1, v, wide).reversed) << v;
-}
-
-TEST(Orientation, QuarterTurnsBringTheShallowEndLeft) {
   EXPECT_EQ((RowOrientation{RowAxis::AlongX, false}).quarterTurns(), 0);
   EXPECT_EQ((RowOrientation{RowAxis::AlongX, true}).quarterTurns(), 2);
-  EXPECT_EQ((RowOrientation{RowAxis::AlongY, false}).quarterTurns(), 3);
-  EXPECT_EQ((RowOrientation{RowAxis::AlongY, true}).quarterTurns(), 1);
+  EXPECT_EQ((RowOrientation{RowAxis::AlongY, false}).quarterTurns(), 3);  // top to the left
+  EXPECT_EQ((RowOrientation{RowAxis::AlongY, true}).quarterTurns(), 1);   // bottom to the left
 }
 
-TEST(CoreFraction, HalfMetreRowInOneMetreCore) {
+TEST(CoreFraction, ShareOfACoreLengthNeverAboveOne) {
   EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.5f, 1.0f, true), 0.5f);
   EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.5f, 1.0f, false), 1.0f);
-}
-
-TEST(CoreFraction, NeverAboveOneAndOneWithoutCoreLength) {
   EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1001.5f, 1.0f, true), 1.0f);
-  EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.5f, kRealNull, true), 1.0f);
-  EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.5f, 0.0f, true), 1.0f);
-  EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.5f, -1.0f, true), 1.0f);
-}
-
-TEST(CoreFraction, RowWithoutCoreGivesZeroOrLess) {
+  for (float cl : {kRealNull, 0.0f, -1.0f}) EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.5f, cl, true), 1.0f) << cl;
   EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.0f, 1.0f, true), 0.0f);
   EXPECT_LT(coreFraction(1001.0f, 1000.0f, 1.0f, true), 0.0f);
 }
 
-TEST(ShortenRow, KeepsTheShallowEnd) {
-  const RowBox along{100, 50, 1100, 150};
+TEST(ShortenRow, KeepsTheShallowEndRoundingHalvesUp) {
+  const RowBox along{100, 50, 1100, 150}, column{50, 100, 150, 1100};
   EXPECT_EQ(shortenRow(along, {RowAxis::AlongX, false}, 0.5f), (RowBox{100, 50, 600, 150}));
   EXPECT_EQ(shortenRow(along, {RowAxis::AlongX, true}, 0.5f), (RowBox{600, 50, 1100, 150}));
-  const RowBox column{50, 100, 150, 1100};
   EXPECT_EQ(shortenRow(column, {RowAxis::AlongY, false}, 0.25f), (RowBox{50, 100, 150, 350}));
   EXPECT_EQ(shortenRow(column, {RowAxis::AlongY, true}, 0.25f), (RowBox{50, 850, 150, 1100}));
-}
-
-TEST(ShortenRow, RoundsToTheNearestPixelHalvesUp) {
   // (3 - 0) * 0.5 + 0 = 1.5 -> 2; (0 - 3) * 0.5 + 3 = 1.5 -> 2.
   EXPECT_EQ(shortenRow({0, 0, 3, 1}, {RowAxis::AlongX, false}, 0.5f), (RowBox{0, 0, 2, 1}));
   EXPECT_EQ(shortenRow({0, 0, 3, 1}, {RowAxis::AlongX, true}, 0.5f), (RowBox{2, 0, 3, 1}));
   // 0.9999 of 1000 pixels is 999.9 -> 1000: the row stays whole.
   EXPECT_EQ(shortenRow({100, 0, 1100, 10}, {RowAxis::AlongX, false}, 0.9999f), (RowBox{100, 0, 1100, 10}));
+  EXPECT_EQ(shortenRow(column, {RowAxis::AlongY, true}, 1.0f), column);
 }
 
-TEST(ShortenRow, FullFractionLeavesTheBox) {
-  const RowBox b{7, 8, 90, 30};
-  EXPECT_EQ(shortenRow(b, {RowAxis::AlongX, false}, 1.0f), b);
-  EXPECT_EQ(shortenRow(b, {RowAxis::AlongY, true}, 1.0f), b);
-}
-
-TEST(SizeFactors, SameProportionsNoReduction) {
+TEST(SizeFactors, ProportionsTruncationRuleAndReduction) {
   EXPECT_EQ(sizeFactors(6000, 4000, 6000, 4000, 1.0f), (SizeFactors{1.0f, 1.0f}));
-  EXPECT_EQ(sizeFactors(4000, 6000, 400, 600, 1.0f), (SizeFactors{1.0f, 1.0f}));
-}
-
-TEST(SizeFactors, PortraitShownWiderStretchesY) {
-  // file 1.5, shown 600 / 500 = 1.2 (truncates to 1): y = 1.5 / 1.2.
-  const SizeFactors f = sizeFactors(4000, 6000, 500, 600, 1.0f);
-  EXPECT_FLOAT_EQ(f.x, 1.0f);
-  EXPECT_FLOAT_EQ(f.y, 1.25f);
-}
-
-TEST(SizeFactors, ShownNarrowerStretchesXWhenFileRatioAtLeastOne) {
-  // file 8000 / 4000 = 2, shown 1000 / 400 = 2.5: x = 2.5 / 2.
-  const SizeFactors f = sizeFactors(4000, 8000, 400, 1000, 1.0f);
-  EXPECT_FLOAT_EQ(f.x, 1.25f);
-  EXPECT_FLOAT_EQ(f.y, 1.0f);
-}
-
-TEST(SizeFactors, RatioBelowOneAfterTruncationGivesNoFactor) {
-  // Landscape file 4000 / 6000 shown at 300 / 600 = 0.5: would be y = 1.333,
-  // but 0.5 truncates to 0.
+  // Portrait file 1.5 shown at 600 / 500 = 1.2 (truncates to 1): y = 1.5 / 1.2.
+  EXPECT_EQ(sizeFactors(4000, 6000, 500, 600, 1.0f), (SizeFactors{1.0f, 1.25f}));
+  // File 2 shown at 2.5: x = 2.5 / 2, the file's ratio truncating to 2.
+  EXPECT_EQ(sizeFactors(4000, 8000, 400, 1000, 1.0f), (SizeFactors{1.25f, 1.0f}));
+  // Exactly 1 truncates to 1: the factor applies (file 2, shown 1: y = 2).
+  EXPECT_EQ(sizeFactors(1000, 2000, 500, 500, 1.0f), (SizeFactors{1.0f, 2.0f}));
+  // A ratio truncating to 0 gives no factor: landscape shown flatter, or shown portrait.
   EXPECT_EQ(sizeFactors(6000, 4000, 600, 300, 1.0f), (SizeFactors{1.0f, 1.0f}));
-  // Landscape file shown portrait: x would be 1.5 / 0.667, but the file's ratio truncates to 0.
   EXPECT_EQ(sizeFactors(6000, 4000, 400, 600, 1.0f), (SizeFactors{1.0f, 1.0f}));
-  // Exactly 1 truncates to 1: the factor applies. file 2, shown 1: y = 2.
-  const SizeFactors f = sizeFactors(1000, 2000, 500, 500, 1.0f);
-  EXPECT_FLOAT_EQ(f.x, 1.0f);
-  EXPECT_FLOAT_EQ(f.y, 2.0f);
-}
-
-TEST(SizeFactors, DividedByTheReductionFactor) {
-  EXPECT_EQ(sizeFactors(6000, 4000, 6000, 4000, 0.5f), (SizeFactors{2.0f, 2.0f}));
+  // Divided by the display reduction.
   EXPECT_EQ(sizeFactors(6000, 4000, 6000, 4000, 0.25f), (SizeFactors{4.0f, 4.0f}));
-  const SizeFactors f = sizeFactors(4000, 6000, 500, 600, 0.5f);
-  EXPECT_FLOAT_EQ(f.x, 2.0f);
-  EXPECT_FLOAT_EQ(f.y, 2.5f);
-}
-
-TEST(SizeFactors, UnsetShownSizeOrReductionCountsAsNone) {
+  EXPECT_EQ(sizeFactors(4000, 6000, 500, 600, 0.5f), (SizeFactors{2.0f, 2.5f}));
+  // Unrecorded shown size or reduction: none.
   EXPECT_EQ(sizeFactors(6000, 4000, 0, 0, 1.0f), (SizeFactors{1.0f, 1.0f}));
   EXPECT_EQ(sizeFactors(4000, 6000, -1, 600, 0.0f), (SizeFactors{1.0f, 1.0f}));
   EXPECT_EQ(sizeFactors(4000, 6000, 400, 600, kRealNull), (SizeFactors{1.0f, 1.0f}));
@@ -136,9 +77,7 @@ TEST(SizeFactors, UnsetShownSizeOrReductionCountsAsNone) {
 
 TEST(ScaleBox, EachAxisByItsFactorRoundedHalfUp) {
   EXPECT_EQ(scaleBox({10, 20, 110, 40}, {2.0f, 1.25f}), (RowBox{20, 25, 220, 50}));
-  // 3 * 1.25 = 3.75 -> 4, 2 * 1.25 = 2.5 -> 3.
-  EXPECT_EQ(scaleBox({3, 2, 5, 6}, {1.25f, 1.25f}), (RowBox{4, 3, 6, 8}));
-  EXPECT_EQ(scaleBox({3, 2, 5, 6}, {1.0f, 1.0f}), (RowBox{3, 2, 5, 6}));
+  EXPECT_EQ(scaleBox({3, 2, 5, 6}, {1.25f, 1.25f}), (RowBox{4, 3, 6, 8}));  // 3.75 -> 4, 2.5 -> 3
 }
 
 }  // namespace
