@@ -278,7 +278,6 @@ Status prepareRun(CoreSession& session, const SplitOptions& options, std::vector
     if (n == 0) missingRectangles = true;
     for (int k = 1; k <= n; ++k)
       if (!rowHasDepths(*ri.image, k)) missingDepths = true;
-    if (!hasValue(ri.image->realValue(kRealTop)) || !hasValue(ri.image->realValue(kRealBase))) missingDepths = true;
   }
   if (missingRectangles || missingDepths) {
     const std::string_view question = missingRectangles ? kAskDeriveDepthsAndRectangles : kAskDeriveDepths;
