@@ -348,6 +348,7 @@ int runSplit(const SplitArgs& args) {
   std::printf("\n  rows:          %d written of %d\n", totals.rowsWritten, totals.rows);
   std::printf("  files written: %d", totals.rowsWritten + (reportWritten ? 1 : 0));
   if (reportWritten) std::printf(" (the table of clipping depths: %s)", options.reportFile.c_str());
+  if (!options.writeReport) std::printf("\n  (no table of clipping depths: the session does not ask for one; give --report FILE)");
   std::printf("\n  warnings:      %d\n", console.messages());
   if (totals.rowsFailed > 0) {
     std::printf("Rows not written:\n");

@@ -136,6 +136,10 @@ TEST_F(SlabberCommand, FormatChosenOnTheCommandLine) {
   const CommandRun r = run("split " + sessionFile + " --out " + out + " --format png");
   EXPECT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(filesIn(out), allNames(".png"));
+  EXPECT_NE(r.out.find("  files written: 15\n  (no table of clipping depths: the session does not ask for one; "
+                       "give --report FILE)\n"),
+            std::string::npos)
+      << r.out;
 }
 
 TEST_F(SlabberCommand, RowsBesideThePhotographsFromTheUserSettings) {
