@@ -5,7 +5,7 @@ set -euo pipefail
 
 build_packages=(
   g++ cmake make pkg-config
-  libvips-dev libcairo2-dev
+  libvips-dev libcairo2-dev libjpeg62-turbo-dev
   libcli11-dev nlohmann-json3-dev libfmt-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
