@@ -205,7 +205,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
       c.missing[i] = isNull(v[i]) | unavailable;
       c.value[i] = c.missing[i] ? kRealNull : v[i];
     }
-    if (unit.iun < 0 || unit.iun < 1 || unit.iun == stored.iun || stored.iun < 1) return;
+    if (unit.iun < 1 || unit.iun == stored.iun || stored.iun < 1) return;
     convertBlock(c.value, n, stored.iser, stored.iun, unit.iun);
     for (int i = 0; i < n; ++i) c.missing[i] = c.missing[i] | isNull(c.value[i]);
   };
