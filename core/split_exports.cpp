@@ -1,4 +1,4 @@
-#include "core/split_exports.h"
+#include "subsurf/split.h"
 
 #include <optional>
 #include <string>

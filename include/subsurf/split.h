@@ -5,8 +5,8 @@
  * not done. Texts are blank-padded fields of the width given (file and folder
  * names 260 characters, the root name and the unit 40 and 16).
  */
-#ifndef SUBSURF_SPLIT_EXPORTS_H
-#define SUBSURF_SPLIT_EXPORTS_H
+#ifndef SUBSURF_SPLIT_H
+#define SUBSURF_SPLIT_H
 
 #include "subsurf/core.h"
 

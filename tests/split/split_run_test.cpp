@@ -3,7 +3,7 @@
 // the exported routines.
 #include <gtest/gtest.h>
 
-#include "core/split_exports.h"
+#include "subsurf/split.h"
 #include "host/fixed_text.h"
 #include "split/split_test_support.h"
 
