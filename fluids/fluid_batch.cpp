@@ -4,9 +4,13 @@
 //
 // Loops here are compiled for speed: vectorised, with floating-point traps
 // assumed off (nothing reads the exception flags) so that selections become
-// blends, and without fused multiply-adds, which would change results.
+// blends, and without fused multiply-adds, which would change results. Jump
+// threading and partial-redundancy elimination are off because, on these
+// long branch-free bodies, they reintroduce branches or mixed-width values
+// that stop GCC 12 from vectorising the loops.
 #if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC optimize("O3", "no-trapping-math", "no-math-errno", "fp-contract=off", "no-thread-jumps", "no-tree-pre")
+#pragma GCC optimize("O3", "no-trapping-math", "no-math-errno", "fp-contract=off")
+#pragma GCC optimize("no-thread-jumps", "no-tree-pre")
 #endif
 
 #include "fluids/fluid_batch.h"
@@ -42,33 +46,35 @@ namespace subsurf::fluids {
 // instruction set and chosen at run time.
 namespace batch_loops {
 
+// Block columns never overlap.
+using In = const float* __restrict;
+using Out = float* __restrict;
+using OutFlags = int* __restrict;
+
 SUBSURF_SIMD_CLONES
-void geothermal(const float* __restrict depth, float* __restrict out, int n) {
+void geothermal(In depth, Out out, int n) {
   for (int i = 0; i < n; ++i) out[i] = kernels::geothermalTemperatureF(depth[i]);
 }
 
 SUBSURF_SIMD_CLONES
-void bubblePoint(const float* __restrict gor, const float* __restrict gg, const float* __restrict api, const float* __restrict tR, float* __restrict out,
-                 int n) {
+void bubblePoint(In gor, In gg, In api, In tR, Out out, int n) {
   for (int i = 0; i < n; ++i) out[i] = kernels::bubblePoint(gor[i], gg[i], api[i], tR[i]);
 }
 
 SUBSURF_SIMD_CLONES
-void volumeFactor(const float* __restrict gor, const float* __restrict gg, const float* __restrict api, const float* __restrict tR,
-                  const float* __restrict p, const float* __restrict pb, float* __restrict out, int n) {
+void volumeFactor(In gor, In gg, In api, In tR, In p, In pb, Out out, int n) {
   for (int i = 0; i < n; ++i) {
     out[i] = kernels::formationVolumeFactor(gor[i], gg[i], api[i], tR[i], p[i], pb[i]);
   }
 }
 
 SUBSURF_SIMD_CLONES
-void deadViscosity(const float* __restrict api, const float* __restrict tF, float* __restrict out, int n) {
+void deadViscosity(In api, In tF, Out out, int n) {
   for (int i = 0; i < n; ++i) out[i] = kernels::deadViscosity(api[i], tF[i]);
 }
 
 SUBSURF_SIMD_CLONES
-void liveViscosity(const float* __restrict dead, const float* __restrict tF, const float* __restrict refF, const float* __restrict gor,
-                   float* __restrict out, int n) {
+void liveViscosity(In dead, In tF, In refF, In gor, Out out, int n) {
   for (int i = 0; i < n; ++i) {
     const float atReservoir = kernels::deadViscosityAt(dead[i], tF[i], refF[i]);
     out[i] = kernels::liveViscosity(atReservoir, gor[i]);
@@ -76,16 +82,14 @@ void liveViscosity(const float* __restrict dead, const float* __restrict tF, con
 }
 
 SUBSURF_SIMD_CLONES
-void compressibility(const float* __restrict gor, const float* __restrict gg, const float* __restrict api, const float* __restrict tR,
-                     const float* __restrict p, const float* __restrict pb, float* __restrict out, int n) {
+void compressibility(In gor, In gg, In api, In tR, In p, In pb, Out out, int n) {
   for (int i = 0; i < n; ++i) {
     out[i] = kernels::formCompressibility(gor[i], gg[i], api[i], tR[i], p[i], pb[i]);
   }
 }
 
 SUBSURF_SIMD_CLONES
-void pseudoReduced(const float* __restrict g, const float* __restrict n2, const float* __restrict co2, const float* __restrict h2s,
-                   const float* __restrict p, const float* __restrict tR, float* __restrict tpr, float* __restrict ppr, int n) {
+void pseudoReduced(In g, In n2, In co2, In h2s, In p, In tR, Out tpr, Out ppr, int n) {
   for (int i = 0; i < n; ++i) {
     const float a = kernels::clampFraction(n2[i]);
     const float b = kernels::clampFraction(co2[i]);
@@ -96,7 +100,7 @@ void pseudoReduced(const float* __restrict g, const float* __restrict n2, const 
 }
 
 SUBSURF_SIMD_CLONES
-void chartZ(const float* __restrict tpr, const float* __restrict ppr, float* __restrict z, int* __restrict status, int n) {
+void chartZ(In tpr, In ppr, Out z, OutFlags status, int n) {
   for (int i = 0; i < n; ++i) {
     kernels::ChartBracket bracket;
     int st;
@@ -106,9 +110,7 @@ void chartZ(const float* __restrict tpr, const float* __restrict ppr, float* __r
 }
 
 SUBSURF_SIMD_CLONES
-void gasProperties(const float* __restrict g, const float* __restrict z, const float* __restrict tR, const float* __restrict p,
-                   const float* __restrict tsc, const float* __restrict psc, float* __restrict bg, float* __restrict visc, float* __restrict dens,
-                   int n) {
+void gasProperties(In g, In z, In tR, In p, In tsc, In psc, Out bg, Out visc, Out dens, int n) {
   for (int i = 0; i < n; ++i) {
     bg[i] = kernels::expansionFactor(z[i], tR[i], p[i], tsc[i], psc[i]);
     visc[i] = kernels::viscosity(g[i], z[i], tR[i], p[i]);
@@ -209,11 +211,14 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
     convertBlock(c.value, n, stored.iser, stored.iun, unit.iun);
     for (int i = 0; i < n; ++i) c.missing[i] = c.missing[i] | isNull(c.value[i]);
   };
-  auto fixedRead = [&](Entry e, Column& c) SUBSURF_INLINE { read(e, prototype_.fixedUnit(e), c); };
+  auto fixedRead = [&](Entry e, Column& c) SUBSURF_INLINE {
+    read(e, prototype_.fixedUnit(e), c);
+  };
 
   // Stores the values where mask is set, as FluidTable::set does, with the
   // given state (or each case's own when states is given).
-  auto storeWith = [&](Entry e, const float* in, const Flag* mask, int state, const int* states) SUBSURF_INLINE {
+  auto storeWith = [&](Entry e, const float* in, const Flag* mask, int state,
+                       const int* states) SUBSURF_INLINE {
     const EntryUnit unit = prototype_.fixedUnit(e);
     if (unit.iun < 0) return;
     const EntryUnit stored = prototype_.storedUnit(e);
