@@ -247,9 +247,7 @@ Status openAndParse(const std::string& path, FilePtr& file, Decoder& d) {
 
 std::size_t bmpRowBytes(int width) { return (3 * static_cast<std::size_t>(width) + 3) / 4 * 4; }
 
-Status writeBmp(RowSource& source, std::FILE* stream) {
-  const int w = source.width();
-  const int h = source.height();
+Status makeBmpHeader(int w, int h, std::uint8_t (&header)[kBmpHeaderBytes]) {
   if (w <= 0 || h <= 0) return Status::error("the picture is empty");
   const std::size_t rowBytes = bmpRowBytes(w);
   const std::uint64_t imageBytes = static_cast<std::uint64_t>(rowBytes) * static_cast<std::uint64_t>(h);
@@ -257,8 +255,8 @@ Status writeBmp(RowSource& source, std::FILE* stream) {
   if (fileBytes > std::numeric_limits<std::uint32_t>::max()) {
     return Status::error(fmt::format("a picture of {} x {} pixels is too large for a BMP file", w, h));
   }
-
-  std::uint8_t header[kFileHeaderBytes + kInfoHeaderBytes] = {};
+  static_assert(kBmpHeaderBytes == kFileHeaderBytes + kInfoHeaderBytes);
+  std::memset(header, 0, kBmpHeaderBytes);
   header[0] = 'B';
   header[1] = 'M';
   put32(header + 2, static_cast<std::uint32_t>(fileBytes));
@@ -273,6 +271,15 @@ Status writeBmp(RowSource& source, std::FILE* stream) {
   put32(info + 20, static_cast<std::uint32_t>(imageBytes));
   put32(info + 24, 2835);  // 72 dots per inch, in dots per metre
   put32(info + 28, 2835);
+  return Status::ok();
+}
+
+Status writeBmp(RowSource& source, std::FILE* stream) {
+  const int w = source.width();
+  const int h = source.height();
+  std::uint8_t header[kBmpHeaderBytes];
+  if (Status s = makeBmpHeader(w, h, header); !s) return s;
+  const std::size_t rowBytes = bmpRowBytes(w);
   if (std::fwrite(header, 1, sizeof header, stream) != sizeof header) {
     return Status::error("cannot write the file: " + errnoText(errno));
   }

@@ -24,6 +24,15 @@ namespace subsurf::image {
 // Bytes in one stored row of a 24-bit BMP of the given width (padded to 4).
 std::size_t bmpRowBytes(int width);
 
+// Bytes before the first stored row of the BMP files we write (file header
+// and BITMAPINFOHEADER, no palette).
+inline constexpr std::size_t kBmpHeaderBytes = 54;
+
+// The headers of a 24-bit bottom-up BMP of w x h pixels, for writers that
+// place the rows themselves. Fails for an empty picture or one too large for
+// the format (the reason names no file).
+Status makeBmpHeader(int w, int h, std::uint8_t (&header)[kBmpHeaderBytes]);
+
 // Writes the rows of source as a 24-bit bottom-up BMP to stream.
 // Reasons on failure name no file.
 Status writeBmp(RowSource& source, std::FILE* stream);
