@@ -10,6 +10,7 @@
 #include "host/atomic_file.h"
 #include "host/fixed_text.h"
 #include "host/image/image_messages.h"
+#include "host/image/jpeg_row_cutter.h"
 #include "host/image/photo.h"
 #include "host/messages.h"
 #include "host/nulls.h"
@@ -118,6 +119,58 @@ RowPlan planRow(const PhotoJob& job, const RowJob& row, const SplitOptions& opti
   return plan;
 }
 
+namespace {
+
+// Rows cut while the photograph was decoded, ahead of the row loop.
+struct StreamedRows {
+  bool done = false;  // every row to be cut was tried; the photograph is not loaded
+  int width = 0;
+  int height = 0;
+  std::vector<Status> written;  // per row of the job
+};
+
+// The common case, an upright JPEG whose rows are plain rectangles written as
+// BMP, is cut in a single decoding pass with no photograph held in memory
+// (see jpeg_row_cutter.h). The rows are planned exactly as the loop in
+// splitPhoto plans them; anything else (another format, an angle, a row to
+// be turned, a photograph the cutter does not take or cannot decode) is left
+// to the general way, which also words every message about the photograph.
+StreamedRows cutWhileDecoding(const PhotoJob& job, const SplitOptions& options) {
+  StreamedRows streamed;
+  if (job.format != RowFormat::Bmp || job.angleDegrees != 0.0f) return streamed;
+  image::JpegRowCutter cutter;
+  std::vector<image::JpegRowCut> cuts;
+  std::vector<std::size_t> rowOfCut;
+  bool opened = false;
+  for (std::size_t i = 0; i < job.rows.size(); ++i) {
+    const RowJob& row = job.rows[i];
+    if (!hasValue(row.top) || !hasValue(row.base)) continue;
+    const RowPlan early = planRow(job, row, options, 0, 0);
+    if (early.fraction <= 0.0f || early.drawn.empty()) continue;
+    if (!opened) {
+      if (!cutter.open(job.photoPath) || cutter.width() < 1 || cutter.height() < 1) return streamed;
+      opened = true;
+    }
+    const RowPlan plan = planRow(job, row, options, cutter.width(), cutter.height());
+    if (plan.orientation.quarterTurns() != 0) return streamed;
+    const image::PixelBox box = image::clipBox(plan.box.pixelBox(), cutter.width(), cutter.height());
+    if (box.empty()) continue;
+    cuts.push_back({box, plan.outputName});
+    rowOfCut.push_back(i);
+  }
+  if (cuts.empty()) return streamed;
+  std::vector<Status> results;
+  if (!cutter.cutToBmp(cuts, results)) return streamed;
+  streamed.done = true;
+  streamed.width = cutter.width();
+  streamed.height = cutter.height();
+  streamed.written.assign(job.rows.size(), Status::error("the row was not cut"));
+  for (std::size_t k = 0; k < cuts.size(); ++k) streamed.written[rowOfCut[k]] = results[k];
+  return streamed;
+}
+
+}  // namespace
+
 PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
   PhotoOutcome out;
   out.place = job.place;
@@ -126,6 +179,7 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
   const std::string stub = outputStub(job.photoPath, options.naming);
   const std::string& photoName = job.sourceFile;
 
+  const StreamedRows streamed = cutWhileDecoding(job, options);
   image::Photo photo;
   bool photoTried = false;
   for (std::size_t i = 0; i < job.rows.size(); ++i) {
@@ -170,12 +224,13 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
     }
 
     // The photograph is decoded once, when its first row with depths comes up
-    // (a tray with no depths at all is never decoded).
-    if (!photoTried) {
+    // (a tray with no depths at all is never decoded), unless its rows were
+    // already cut while decoding it.
+    if (!photoTried && !streamed.done) {
       photoTried = true;
       image::Photo::load(job.photoPath, photo);  // shows "Error loading: ..." itself
     }
-    if (!photo.loaded() || photo.width() < 1 || photo.height() < 1) {
+    if (!streamed.done && (!photo.loaded() || photo.width() < 1 || photo.height() < 1)) {
       out.status = 1;
       int notReached = 0;
       for (std::size_t j = i; j < job.rows.size(); ++j) {
@@ -192,28 +247,33 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
       return out;
     }
 
-    const RowPlan plan = planRow(job, row, options, photo.width(), photo.height());
+    const int photoWidth = streamed.done ? streamed.width : photo.width();
+    const int photoHeight = streamed.done ? streamed.height : photo.height();
+    const RowPlan plan = planRow(job, row, options, photoWidth, photoHeight);
     const RowBox& box = plan.box;
     image::CutSpec spec;
     spec.box = box.pixelBox();
     spec.quarterTurns = plan.orientation.quarterTurns();
     spec.angleDegrees = job.angleDegrees;
     ro.quarterTurns = spec.quarterTurns;
-    ro.cut = photo.clippedBox(spec);
+    ro.cut = streamed.done ? image::clipBox(spec.box, photoWidth, photoHeight) : photo.clippedBox(spec);
     if (ro.cut.empty()) {
       ro.result = RowResult::Outside;
       ro.problem = "the rectangle lies outside the photograph";
       out.errorCount += 1;
       out.messages.push_back(fmt::format(
           "{}: Core {}: the rectangle ({}, {}) to ({}, {}) lies outside the {} x {} photograph, row skipped",
-          photoName, row.number, box.left, box.top, box.right, box.bottom, photo.width(), photo.height()));
+          photoName, row.number, box.left, box.top, box.right, box.bottom, photoWidth, photoHeight));
       out.rows.push_back(std::move(ro));
       continue;
     }
 
     // Written under a temporary name and renamed when complete; on failure
     // the back-end shows why and leaves nothing behind.
-    const Status written = image::cutToFile(photo, spec, ro.outputName, job.format, options.writeOptions);
+    const Status written =
+        !streamed.done ? image::cutToFile(photo, spec, ro.outputName, job.format, options.writeOptions)
+        : streamed.written[i] ? Status::ok()
+                              : image::reportWriteFailure(ro.outputName, true, streamed.written[i].message());
     if (!written) {
       ro.result = RowResult::CutFailed;
       ro.problem = written.message();
