@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "host/csv_row.h"
@@ -15,13 +16,19 @@
 #include "units/keyword_rows.h"
 #include "units/scalar_records.h"
 #include "units/units_registry.h"
+#include "units_test_support.h"
 
 using namespace subsurf;
+using subsurf::testing::linesOf;
 
 namespace {
 
 int depthSeries() { return unitsRegistry().findSeries("depth"); }
 int unitOf(const char* name) { return unitsRegistry().findUnit(depthSeries(), name); }
+// The depth series and the position of feet in it, as a row or record writes them.
+std::string depthFeet(const char* sep = ",") {
+  return std::to_string(depthSeries()) + sep + std::to_string(unitOf("ft"));
+}
 
 DT_RSCA topDepth() {
   DT_RSCA r = makeReal("top", depthSeries(), "ft", 1234.5f);
@@ -69,20 +76,15 @@ DT_FSCA photo() {
   return f;
 }
 
-template <std::size_t N>
-std::string text(const char (&field)[N]) {
-  return fixedText(field);
-}
-
 // Two records hold the same saved contents when they write the same row; the
 // display text of real kinds is compared too, as the reader rebuilds it.
 void expectSame(const DT_RSCA& a, const DT_RSCA& b) {
   EXPECT_EQ(realRow(a).str(), realRow(b).str());
-  EXPECT_EQ(text(a.CHU), text(b.CHU));
+  EXPECT_EQ(fixedText(a.CHU), fixedText(b.CHU));
 }
 void expectSame(const DT_DSCA& a, const DT_DSCA& b) {
   EXPECT_EQ(doubleRow(a).str(), doubleRow(b).str());
-  EXPECT_EQ(text(a.CHU), text(b.CHU));
+  EXPECT_EQ(fixedText(a.CHU), fixedText(b.CHU));
 }
 void expectSame(const DT_ISCA& a, const DT_ISCA& b) { EXPECT_EQ(integerRow(a).str(), integerRow(b).str()); }
 void expectSame(const DT_CSCA& a, const DT_CSCA& b) { EXPECT_EQ(textRow(a).str(), textRow(b).str()); }
@@ -114,38 +116,25 @@ TEST(ScalarRowLayout, KeyIsIndentedByLevelMinusOne) {
   EXPECT_EQ(rowLevel(throughText(realRow(r, 1))), 1);
 }
 
-TEST(ScalarRowLayout, RealRowHoldsTwelveFieldsWithTheUnitByNameAndPosition) {
-  const DT_RSCA r = topDepth();
-  const CsvRow row = realRow(r, 1);
-  ASSERT_EQ(row.size(), 12u);
-  const std::string expected = "top,4,1234.5,ft," + std::to_string(depthSeries()) + "," +
-                               std::to_string(unitOf("ft")) +
-                               ",1,0,0.03,Top depth,\"It's the top, \"\"roughly\"\"\",-5";
-  EXPECT_EQ(row.str(), expected);
-}
-
-TEST(ScalarRowLayout, IntegerRowIsKeyTagValueAndTwoStates) {
-  const CsvRow row = integerRow(coreCount(), 2);
-  EXPECT_EQ(row.str(), "\" ncores\",1,4,1,1");
-  EXPECT_EQ(rowTag(row), kIntegerTag);
-}
-
-TEST(ScalarRowLayout, TagsOfTheOtherKinds) {
-  EXPECT_EQ(rowTag(textRow(rootName())), 2);
-  EXPECT_EQ(rowTag(fileNameRow(photo())), 3);
-  EXPECT_EQ(rowTag(realRow(topDepth())), 4);
-  EXPECT_EQ(rowTag(doubleRow(spudDate())), 5);
-  EXPECT_EQ(doubleRow(spudDate()).size(), 14u);
-  EXPECT_EQ(textRow(rootName()).size(), 8u);
-  EXPECT_EQ(fileNameRow(photo()).size(), 8u);
+TEST(ScalarRowLayout, TagAndWidthOfEveryKind) {
+  const std::tuple<CsvRow, int, std::size_t> rows[] = {{integerRow(coreCount()), kIntegerTag, 5}, {textRow(rootName()), 2, 8},
+                                                       {fileNameRow(photo()), 3, 8}, {realRow(topDepth()), 4, 12},
+                                                       {doubleRow(spudDate()), 5, 14}};
+  for (const auto& [row, tag, size] : rows) {
+    EXPECT_EQ(rowTag(row), tag) << row.str();
+    EXPECT_EQ(row.size(), size) << row.str();
+  }
   EXPECT_EQ(rowTag(CsvRow::parse("version,2.11a")), 0);
+  EXPECT_EQ(kIntegerTag, 1);
+  // The unit goes by name and by position; key, tag, value and two states for an integer.
+  EXPECT_EQ(realRow(topDepth(), 1).str(),
+            "top,4,1234.5,ft," + depthFeet() + ",1,0,0.03,Top depth,\"It's the top, \"\"roughly\"\"\",-5");
+  EXPECT_EQ(integerRow(coreCount(), 2).str(), "\" ncores\",1,4,1,1");
 }
 
 TEST(ScalarRowLayout, FormattedRecordBeginsWithTheTag) {
   EXPECT_EQ(integerRecord(coreCount()), "1 'ncores' 4 1 1");
-  const std::string expected = "4 'top' 1234.5 'ft' " + std::to_string(depthSeries()) + " " +
-                               std::to_string(unitOf("ft")) +
-                               " 1 0 0.03 'Top depth' 'It''s the top, \"roughly\"' -5";
+  const std::string expected = "4 'top' 1234.5 'ft' " + depthFeet(" ") + " 1 0 0.03 'Top depth' 'It''s the top, \"roughly\"' -5";
   EXPECT_EQ(realRecord(topDepth()), expected);
   // Writers at level 0 or above 9 produce the formatted record, 1..9 the row.
   EXPECT_EQ(scalarLine(coreCount(), 0), integerRecord(coreCount()));
@@ -158,7 +147,7 @@ TEST(ScalarRowLayout, StructuredBlocks) {
   const DT_RSCA r = topDepth();
   const std::vector<std::string> expected = {
       "IV, D%V, D%SET, D%VU%ISER, D%VU%IUN, D%VU%CU",
-      "4, 1234.5, 1, " + std::to_string(depthSeries()) + ", " + std::to_string(unitOf("ft")) + ", ft"};
+      "4, 1234.5, 1, " + depthFeet(", ") + ", ft"};
   EXPECT_EQ(realBlock(r), expected);
   EXPECT_EQ(integerBlock(coreCount()), (std::vector<std::string>{"IV, D%V, D%SET", "1, 4, 1"}));
 }
@@ -197,8 +186,8 @@ TEST(ScalarRowRoundTrip, NullsAndExtremesSurviveBitForBit) {
   EXPECT_EQ(back.V, kRealNull);
   EXPECT_EQ(back.RELERR, kRealNull);
   EXPECT_EQ(back.VU.IUN, 0);
-  EXPECT_EQ(text(back.VU.CU), "");
-  EXPECT_EQ(text(back.CHU), "");
+  EXPECT_EQ(fixedText(back.VU.CU), "");
+  EXPECT_EQ(fixedText(back.CHU), "");
 
   r.V = 0.1f;
   ASSERT_TRUE(readRealRow(throughRecord(realRecord(r)), back).ok());
@@ -222,32 +211,30 @@ TEST(ScalarRowRoundTrip, NullsAndExtremesSurviveBitForBit) {
 // ---- Reading rules ---------------------------------------------------------------
 
 TEST(ScalarRowReading, RowEndingBeforeColumnNineHasNullRelativeError) {
-  const CsvRow row = CsvRow::parse("top,4,12.5,ft," + std::to_string(depthSeries()) + "," +
-                                   std::to_string(unitOf("ft")) + ",1,0");
+  const CsvRow row = CsvRow::parse("top,4,12.5,ft," + depthFeet() + ",1,0");
   DT_RSCA r = topDepth();  // holds a relative error before reading
   const RowRead result = readRealRow(row, r);
   EXPECT_TRUE(result.ok()) << result.message;
   EXPECT_EQ(r.V, 12.5f);
   EXPECT_EQ(r.RELERR, kRealNull);
   EXPECT_EQ(r.FMT, -4);  // defaulted, as the row has no format word
-  EXPECT_EQ(text(r.LABEL), "");
-  EXPECT_EQ(text(r.CHU), "12.5");
-  EXPECT_EQ(text(r.CODE), "top");
+  EXPECT_EQ(fixedText(r.LABEL), "");
+  EXPECT_EQ(fixedText(r.CHU), "12.5");
+  EXPECT_EQ(fixedText(r.CODE), "top");
 }
 
 TEST(ScalarRowReading, DisplayTextIsRebuiltNotRead) {
   const CsvRow row = CsvRow::parse("  \"   top\" ,4, 1234.5 ,ft,-1,1,1,0,0.1,Top,,-4");
   DT_RSCA r;
   ASSERT_TRUE(readRealRow(row, r).ok());
-  EXPECT_EQ(text(r.CHU), "1234.5 +/- 10%");
-  EXPECT_EQ(text(r.CODE), "top");  // indentation is not part of the code
-  EXPECT_EQ(text(r.DESC), "");
+  EXPECT_EQ(fixedText(r.CHU), "1234.5 +/- 10%");
+  EXPECT_EQ(fixedText(r.CODE), "top");  // indentation is not part of the code
+  EXPECT_EQ(fixedText(r.DESC), "");
 }
 
 TEST(ScalarRowReading, UnitNameWinsOverAStalePosition) {
   // Saved as metres but with the position of feet (definitions changed since).
-  const CsvRow row = CsvRow::parse("top,4,10,m," + std::to_string(depthSeries()) + "," +
-                                   std::to_string(unitOf("ft")) + ",1,0");
+  const CsvRow row = CsvRow::parse("top,4,10,m," + depthFeet() + ",1,0");
   DT_RSCA r;
   ASSERT_TRUE(readRealRow(row, r).ok());
   EXPECT_EQ(r.VU.IUN, unitOf("m"));
@@ -257,7 +244,7 @@ TEST(ScalarRowReading, UnitNameWinsOverAStalePosition) {
   const CsvRow odd = CsvRow::parse("top,4,10,furlong," + std::to_string(depthSeries()) + ",2,1,0");
   ASSERT_TRUE(readRealRow(odd, r).ok());
   EXPECT_EQ(r.VU.IUN, 2);
-  EXPECT_EQ(text(r.VU.CU), "furlong");
+  EXPECT_EQ(fixedText(r.VU.CU), "furlong");
 }
 
 TEST(ScalarRowReading, RowOfAnotherKindLeavesTheRecordAlone) {
@@ -295,21 +282,21 @@ TEST(ScalarRowReading, IntegerRecordKeepsWhatItsRowDoesNotCarry) {
   labelInteger(i, "", "Kept label", "Kept description", "kept");
   ASSERT_TRUE(readIntegerRow(CsvRow::parse("\"   ncores\",1,6,1,0"), i).ok());
   EXPECT_EQ(i.V, 6);
-  EXPECT_EQ(text(i.KEY), "ncores");
+  EXPECT_EQ(fixedText(i.KEY), "ncores");
   EXPECT_EQ(i.VMIN, -5);
   EXPECT_EQ(i.VMAX, 50);
   EXPECT_EQ(i.VDEF, 9);
-  EXPECT_EQ(text(i.LABEL), "Kept label");
-  EXPECT_EQ(text(i.CODE), "kept");
+  EXPECT_EQ(fixedText(i.LABEL), "Kept label");
+  EXPECT_EQ(fixedText(i.CODE), "kept");
 }
 
 TEST(ScalarRowReading, TextRowsAreDefaultedFirst) {
   DT_CSCA c = rootName();
   ASSERT_TRUE(readTextRow(CsvRow::parse("root,2,tray"), c).ok());
-  EXPECT_EQ(text(c.V), "tray");
+  EXPECT_EQ(fixedText(c.V), "tray");
   EXPECT_EQ(c.SET, -1);
-  EXPECT_EQ(text(c.LABEL), "");
-  EXPECT_EQ(text(c.VDEF), "");
+  EXPECT_EQ(fixedText(c.LABEL), "");
+  EXPECT_EQ(fixedText(c.VDEF), "");
 }
 
 TEST(ScalarRowReading, FormattedRecordsThatAreNotRecords) {
@@ -344,18 +331,6 @@ void closeChannel(int channel) {
   int status = -1;
   KJF_CLOS(&channel, Padded("RELEASE", 16).c_str(), &status);
   EXPECT_EQ(status, 0);
-}
-
-std::vector<std::string> linesOf(const std::string& content) {
-  std::vector<std::string> lines;
-  std::size_t start = 0;
-  while (start < content.size()) {
-    std::size_t end = content.find('\n', start);
-    if (end == std::string::npos) end = content.size();
-    lines.push_back(content.substr(start, end - start));
-    start = end + 1;
-  }
-  return lines;
 }
 
 }  // namespace

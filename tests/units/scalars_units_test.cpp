@@ -2,8 +2,11 @@
 // equality and min/max. Uses the shipped definitions file.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
 #include <string>
+#include <tuple>
+#include <utility>
 
 #include "host/fixed_text.h"
 #include "host/nulls.h"
@@ -11,6 +14,7 @@
 #include "units/scalar_records.h"
 #include "units/scalar_units.h"
 #include "units/units_registry.h"
+#include "units/value_text.h"
 
 using namespace subsurf;
 
@@ -26,16 +30,11 @@ class ScalarUnits : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(unitsRegistry().loaded());
-    depth = unitsRegistry().findSeries("depth");
-    temperature = unitsRegistry().findSeries("temperature");
-    pressure = unitsRegistry().findSeries("pressure");
-    ASSERT_GE(depth, 0);
-    ASSERT_GE(temperature, 0);
-    ASSERT_GE(pressure, 0);
-    ft = unitsRegistry().findUnit(depth, "ft");
-    m = unitsRegistry().findUnit(depth, "m");
-    ASSERT_GE(ft, 1);
-    ASSERT_GE(m, 1);
+    for (auto [series, name] : {std::pair{&depth, "depth"}, std::pair{&temperature, "temperature"},
+                                 std::pair{&pressure, "pressure"}})
+      ASSERT_GE(*series = unitsRegistry().findSeries(name), 0) << name;
+    ASSERT_GE(ft = unitsRegistry().findUnit(depth, "ft"), 1);
+    ASSERT_GE(m = unitsRegistry().findUnit(depth, "m"), 1);
   }
 
   DT_RSCA depthIn(std::string_view unit, float value) { return makeReal("top", depth, unit, value); }
@@ -48,14 +47,12 @@ class ScalarUnits : public ::testing::Test {
 TEST_F(ScalarUnits, SetVuFindsThePositionIgnoringCase) {
   DT_RSCA r;
   DT_RSCADFLT(&r);
-  Unit16 unit("FT");
-  DT_RSCASETVU(&r, &depth, unit.text);
+  DT_RSCASETVU(&r, &depth, Unit16("FT").text);
   EXPECT_EQ(r.VU.ISER, depth);
   EXPECT_EQ(r.VU.IUN, ft);
   EXPECT_TRUE(isNull(r.V));  // setting the unit converts nothing
 
-  Unit16 bogus("furlong");
-  DT_RSCASETVU(&r, &depth, bogus.text);
+  DT_RSCASETVU(&r, &depth, Unit16("furlong").text);
   EXPECT_LT(r.VU.IUN, 1);
 }
 
@@ -76,8 +73,7 @@ TEST_F(ScalarUnits, ChangeOfUnitConvertsValueAndLimits) {
   DT_RSCA r = depthIn("ft", 1000.0f);
   r.VMIN = 0.0f;
   r.VMAX = 10000.0f;
-  Unit16 metres("m");
-  DT_RSCACONVU(&r, metres.text);
+  DT_RSCACONVU(&r, Unit16("m").text);
   EXPECT_NEAR(r.V, 304.8f, 1e-3);
   EXPECT_NEAR(r.VMAX, 3048.0f, 1e-2);
   EXPECT_EQ(r.VMIN, 0.0f);
@@ -94,8 +90,7 @@ TEST_F(ScalarUnits, ChangeOfUnitConvertsValueAndLimits) {
 TEST_F(ScalarUnits, ChangeToAnUnknownUnitDoesNothing) {
   DT_RSCA r = depthIn("ft", 1000.0f);
   const DT_RSCA before = r;
-  Unit16 bogus("furlong");
-  DT_RSCACONVU(&r, bogus.text);
+  DT_RSCACONVU(&r, Unit16("furlong").text);
   EXPECT_EQ(std::memcmp(&r, &before, sizeof r), 0);
   const int beyond = 99;
   DT_RSCACONVUI(&r, &beyond);
@@ -117,8 +112,7 @@ TEST_F(ScalarUnits, ValueInAnotherUnitLeavesTheRecordAlone) {
   DT_RSCA t = makeReal("tres", temperature, "degc", 100.0f);
   const DT_RSCA before = t;
   float v = 0.0f;
-  Unit16 degf("degf");
-  DT_GETSR(&t, degf.text, &v);
+  DT_GETSR(&t, Unit16("degf").text, &v);
   EXPECT_NEAR(v, 212.0f, 1e-3);
   EXPECT_EQ(std::memcmp(&t, &before, sizeof t), 0);
 
@@ -126,23 +120,21 @@ TEST_F(ScalarUnits, ValueInAnotherUnitLeavesTheRecordAlone) {
   DT_GETSR1(&t, &iunF, &v);
   EXPECT_NEAR(v, 212.0f, 1e-3);
 
-  Unit16 bogus("kelvinish");
-  DT_RSCAGETC(&t, bogus.text, &v);
+  DT_RSCAGETC(&t, Unit16("kelvinish").text, &v);
   EXPECT_EQ(v, 100.0f);  // not a unit of the series: unconverted
 
   float err = 0.0f;
   t.RELERR = 0.02f;
-  DT_RSCAGETCE(&t, degf.text, &v, &err);
+  DT_RSCAGETCE(&t, Unit16("degf").text, &v, &err);
   EXPECT_NEAR(v, 212.0f, 1e-3);
   EXPECT_EQ(err, 0.02f);
 }
 
 TEST_F(ScalarUnits, StoringConvertsIntoTheRecordsUnit) {
   DT_RSCA r = depthIn("m", 0.0f);
-  Unit16 feet("ft");
   const float value = 1000.0f;
   const int entered = DT_STATE_ENTERED;
-  DT_RSCASETC(&r, feet.text, &value, &entered);
+  DT_RSCASETC(&r, Unit16("ft").text, &value, &entered);
   EXPECT_NEAR(r.V, 304.8f, 1e-3);
   EXPECT_EQ(r.VU.IUN, m);
   EXPECT_EQ(r.SET, DT_STATE_ENTERED);
@@ -150,7 +142,7 @@ TEST_F(ScalarUnits, StoringConvertsIntoTheRecordsUnit) {
 
   // Without a state the state word stays.
   r.SET = 7;
-  DT_RSCASETC(&r, feet.text, &value, nullptr);
+  DT_RSCASETC(&r, Unit16("ft").text, &value, nullptr);
   EXPECT_EQ(r.SET, 7);
 
   // By position.
@@ -159,14 +151,13 @@ TEST_F(ScalarUnits, StoringConvertsIntoTheRecordsUnit) {
   EXPECT_NEAR(r.V, 3.048f, 1e-5);
 
   // A blank unit name means the record's own unit.
-  Unit16 blank("");
   const float v3 = 55.5f, err = 0.03f;
-  DT_RSCASETC(&r, blank.text, &v3, nullptr);
+  DT_RSCASETC(&r, Unit16("").text, &v3, nullptr);
   EXPECT_EQ(r.V, 55.5f);
   EXPECT_EQ(r.VU.IUN, m);
 
   // With an error the text shows the uncertainty.
-  DT_RSCASETCE(&r, blank.text, &value, &err, nullptr);
+  DT_RSCASETCE(&r, Unit16("").text, &value, &err, nullptr);
   EXPECT_EQ(r.RELERR, 0.03f);
   EXPECT_EQ(fixedText(r.CHU), "1000 +/- 3%");
 }
@@ -176,9 +167,8 @@ TEST_F(ScalarUnits, RecordWithoutUnitAdoptsTheGivenOne) {
   DT_RSCADFLT(&r);
   r.VU.ISER = depth;
   r.VU.IUN = 0;
-  Unit16 feet("FT");
   const float value = 1000.0f;
-  DT_RSCASETC(&r, feet.text, &value, nullptr);
+  DT_RSCASETC(&r, Unit16("FT").text, &value, nullptr);
   EXPECT_EQ(r.V, 1000.0f);
   EXPECT_EQ(r.VU.IUN, ft);
   EXPECT_EQ(fixedText(r.VU.CU), unitsRegistry().unitName(depth, ft));
@@ -186,14 +176,13 @@ TEST_F(ScalarUnits, RecordWithoutUnitAdoptsTheGivenOne) {
 
 TEST_F(ScalarUnits, DoubleStoreAndChangeOfUnit) {
   DT_DSCA d = makeDouble("md", depth, "m", 0.0);
-  Unit16 feet("ft");
   const double value = 10000.0;
   const int calculated = DT_STATE_CALCULATED;
-  DT_DSCASETC(&d, feet.text, &value, &calculated);
+  DT_DSCASETC(&d, Unit16("ft").text, &value, &calculated);
   EXPECT_NEAR(d.V, 3048.0, 1e-9);
   EXPECT_EQ(d.SET, DT_STATE_CALCULATED);
   double inFeet = 0.0;
-  DT_GETSD(&d, feet.text, &inFeet);
+  DT_GETSD(&d, Unit16("ft").text, &inFeet);
   EXPECT_NEAR(inFeet, 10000.0, 1e-6);
   DT_DSCACONVUI(&d, &ft);
   EXPECT_NEAR(d.V, 10000.0, 1e-9);
@@ -202,26 +191,16 @@ TEST_F(ScalarUnits, DoubleStoreAndChangeOfUnit) {
   EXPECT_NEAR(d.V, 32808.3989501, 1e-6);
 }
 
-TEST(ScalarEquality, ZeroEqualsOnlyZero) {
-  DT_RSCA a = makeReal("a", -1, "", 0.0f);
-  DT_RSCA b = makeReal("b", -1, "", 1.0e-30f);
-  EXPECT_EQ(DT_RSCAEQUAL(&a, &b), 0);
-  b.V = 0.0f;
-  EXPECT_EQ(DT_RSCAEQUAL(&a, &b), 1);
-  b.V = -0.0f;
-  EXPECT_EQ(DT_RSCAEQUAL(&a, &b), 1);
-}
-
-TEST(ScalarEquality, RelativeTestAtSinglePrecision) {
-  DT_RSCA a = makeReal("a", -1, "", 100.0f);
-  DT_RSCA b = makeReal("b", -1, "", 100.000001f);
-  EXPECT_EQ(DT_RSCAEQUAL(&a, &b), 1);
-  b.V = 100.001f;
-  EXPECT_EQ(DT_RSCAEQUAL(&a, &b), 0);
-  // One step of single precision at 1 is 1.19e-7 relative: just outside.
-  a.V = 1.0f;
-  b.V = std::nextafter(1.0f, 2.0f);
-  EXPECT_EQ(DT_RSCAEQUAL(&a, &b), 0);
+// Zero equals only zero; otherwise a relative test at single precision, where
+// one step at 1 (1.19e-7 relative) is just outside.
+TEST(ScalarEquality, ZeroExactlyOtherwiseRelative) {
+  const std::tuple<float, float, int> cases[] = {{0.0f, 1.0e-30f, 0},        {0.0f, 0.0f, 1},     {0.0f, -0.0f, 1},
+                                                 {100.0f, 100.000001f, 1}, {100.0f, 100.001f, 0},
+                                                 {1.0f, std::nextafter(1.0f, 2.0f), 0}};
+  for (const auto& [x, y, equal] : cases) {
+    DT_RSCA a = makeReal("a", -1, "", x), b = makeReal("b", -1, "", y);
+    EXPECT_EQ(DT_RSCAEQUAL(&a, &b), equal) << x << " vs " << y;
+  }
 }
 
 TEST_F(ScalarUnits, EqualityComparesInTheFirstRecordsUnit) {
@@ -232,49 +211,21 @@ TEST_F(ScalarUnits, EqualityComparesInTheFirstRecordsUnit) {
   EXPECT_EQ(DT_RSCAEQUAL(&a, &b), 0);
 }
 
-TEST(ScalarMinMax, MinimumSkipsNulls) {
-  DT_RSCA a = makeReal("a", -1, "", kRealNull);
-  DT_RSCA b = makeReal("b", -1, "", 3.0f);
-  const int minimum = 0;
-  DT_RSCAMINMAX(&a, &b, &minimum);
-  EXPECT_EQ(a.V, 3.0f);
-  EXPECT_EQ(fixedText(a.CHU), "3");  // the text follows the value
-
-  a.V = 2.0f;
-  b.V = kRealNull;
-  DT_RSCAMINMAX(&a, &b, &minimum);
-  EXPECT_EQ(a.V, 2.0f);
-
-  b.V = 1.5f;
-  DT_RSCAMINMAX(&a, &b, &minimum);
-  EXPECT_EQ(a.V, 1.5f);
-
-  // Values of magnitude 9e19 or more count as no value, even when negative;
-  // just below the bound they are values.
-  a.V = -1.0e20f;
-  b.V = 5.0f;
-  DT_RSCAMINMAX(&a, &b, &minimum);
-  EXPECT_EQ(a.V, 5.0f);
-  b.V = -1.0e20f;
-  DT_RSCAMINMAX(&a, &b, &minimum);
-  EXPECT_EQ(a.V, 5.0f);
-  b.V = -8.9e19f;
-  DT_RSCAMINMAX(&a, &b, &minimum);
-  EXPECT_EQ(a.V, -8.9e19f);
-}
-
-TEST(ScalarMinMax, MaximumNeedsNoNullTest) {
-  DT_RSCA a = makeReal("a", -1, "", kRealNull);
-  DT_RSCA b = makeReal("b", -1, "", -5.0f);
-  const int maximum = 1;
-  DT_RSCAMINMAX(&a, &b, &maximum);
-  EXPECT_EQ(a.V, -5.0f);
-  b.V = kRealNull;
-  DT_RSCAMINMAX(&a, &b, &maximum);
-  EXPECT_EQ(a.V, -5.0f);
-  b.V = 4.0f;
-  DT_RSCAMINMAX(&a, &b, &maximum);
-  EXPECT_EQ(a.V, 4.0f);
+// The minimum skips nulls: values of magnitude 9e19 or more count as no value,
+// even when negative; just below the bound they are values. The maximum needs
+// no null test, the null being below everything.
+TEST(ScalarMinMax, NullsTakeNoPart) {
+  struct Case { int maximum; float a, b, expected; };
+  const Case cases[] = {{0, kRealNull, 3.0f, 3.0f}, {0, 2.0f, kRealNull, 2.0f},   {0, 2.0f, 1.5f, 1.5f},
+                        {0, -1.0e20f, 5.0f, 5.0f},  {0, 5.0f, -1.0e20f, 5.0f},    {0, 5.0f, -8.9e19f, -8.9e19f},
+                        {1, kRealNull, -5.0f, -5.0f}, {1, -5.0f, kRealNull, -5.0f}, {1, -5.0f, 4.0f, 4.0f}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(::testing::Message() << (c.maximum ? "max(" : "min(") << c.a << ", " << c.b << ")");
+    DT_RSCA a = makeReal("a", -1, "", c.a), b = makeReal("b", -1, "", c.b);
+    DT_RSCAMINMAX(&a, &b, &c.maximum);
+    EXPECT_EQ(a.V, c.expected);
+    EXPECT_EQ(fixedText(a.CHU), formatValue(c.expected, a.FMT));  // the text follows the value
+  }
 }
 
 TEST_F(ScalarUnits, MinMaxConvertsTheSecondValue) {

@@ -1,6 +1,5 @@
 // The C entry points: fixed-width blank-padded texts, by-pointer arguments and
 // status words, on the process-wide registry read from the shipped file.
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <tuple>
@@ -220,20 +219,19 @@ TEST(UnitsExports, ReferenceEllipsoids) {
 // X_INIT with the definitions folder pointing elsewhere; the process-wide
 // registry is reloaded from the usual place afterwards for the other tests.
 TEST(UnitsExports, InitReportsAMissingFileAndLeavesNoSeries) {
-  const char* before = std::getenv("SUBSURF_DEFLIB");
-  const std::string saved = before ? before : "";
   testing::TempDir dir;
-  ::setenv("SUBSURF_DEFLIB", dir.path().c_str(), 1);
-  host::clearRecorded();
-  X_INIT();
-  const std::vector<std::string> messages = host::recordedMessages();
+  std::vector<std::string> messages;
   int last = 0, n = -1, value = 0;
   const int zero = 0, system = 4;
-  X_NSER(&last);
-  X_NSERUNITS(&zero, &n);
-  X_GETSDEF(&zero, &system, &value);
-  if (before) ::setenv("SUBSURF_DEFLIB", saved.c_str(), 1);
-  else ::unsetenv("SUBSURF_DEFLIB");
+  {
+    testing::ScopedEnv deflib("SUBSURF_DEFLIB", dir.path());
+    host::clearRecorded();
+    X_INIT();
+    messages = host::recordedMessages();
+    X_NSER(&last);
+    X_NSERUNITS(&zero, &n);
+    X_GETSDEF(&zero, &system, &value);
+  }
   X_INIT();
 
   EXPECT_EQ(messages, std::vector<std::string>{"Cannot read units definitions file " + dir.path() + "/x_units.def"});

@@ -1,6 +1,5 @@
 // The SQL script of the registry: the schema's fixed statements and one insert
 // per row, compared line for line.
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -15,57 +14,23 @@
 namespace subsurf {
 namespace {
 
+using testing::linesOf;
 using testing::TempDir;
 
-const std::vector<std::string> kSchema = {
-    "USE UNITS;",
-    "CREATE TABLE UNIT_DIMS (",
-    "dim_id  int IDENTITY PRIMARY KEY",
-    ",dim_name  nvarchar(32) NOT NULL",
-    " );",
-    "CREATE TABLE UNITS (",
-    "unit_id     int IDENTITY PRIMARY KEY",
-    ",unit_name   nvarchar(16) NOT NULL",
-    ",unit_oname  nvarchar(16) NOT NULL",
-    ",unit_dim    int FOREIGN KEY REFERENCES UNIT_DIMS(dim_id)",
-    ",unit_nc     int NOT NULL",
-    ",unit_c1     float NOT NULL",
-    ",unit_c2     float",
-    ",unit_c3     float",
-    ",unit_c4     float",
-    " );",
-    "CREATE TABLE SERIES (",
-    "ser_id     int IDENTITY PRIMARY KEY",
-    ",ser_name   nvarchar(20) NOT NULL",
-    ",ser_dim    int FOREIGN KEY REFERENCES UNIT_DIMS(dim_id)",
-    ",ser_un_m   nvarchar(16) NOT NULL",
-    ",ser_un_of  nvarchar(16) NOT NULL",
-    ",ser_un_si  nvarchar(16)",
-    " );",
-    "CREATE TABLE SERIES_UNITS (",
-    "su_id     int IDENTITY(1,1) PRIMARY KEY",
-    ",su_name   nvarchar(20) NOT NULL",
-    ",su_iser   int FOREIGN KEY REFERENCES SERIES(ser_id)",
-    ",su_uid    int FOREIGN KEY REFERENCES UNITS(unit_id)",
-    ",su_iun    int NOT NULL",
-    ",su_io     int NOT NULL",
-    " );",
-};
-
-std::vector<std::string> fileLines(const std::string& path) {
-  std::vector<std::string> lines;
-  std::string text = TempDir::read(path), line;
-  for (char c : text) {
-    if (c == '\n') {
-      lines.push_back(line);
-      line.clear();
-    } else {
-      line.push_back(c);
-    }
-  }
-  if (!line.empty()) lines.push_back(line);
-  return lines;
-}
+// The schema, one table a source line; split into lines where used.
+const char* const kSchema =
+    "USE UNITS;\n"
+    "CREATE TABLE UNIT_DIMS (\ndim_id  int IDENTITY PRIMARY KEY\n,dim_name  nvarchar(32) NOT NULL\n );\n"
+    "CREATE TABLE UNITS (\nunit_id     int IDENTITY PRIMARY KEY\n,unit_name   nvarchar(16) NOT NULL\n"
+    ",unit_oname  nvarchar(16) NOT NULL\n,unit_dim    int FOREIGN KEY REFERENCES UNIT_DIMS(dim_id)\n"
+    ",unit_nc     int NOT NULL\n,unit_c1     float NOT NULL\n,unit_c2     float\n,unit_c3     float\n"
+    ",unit_c4     float\n );\n"
+    "CREATE TABLE SERIES (\nser_id     int IDENTITY PRIMARY KEY\n,ser_name   nvarchar(20) NOT NULL\n"
+    ",ser_dim    int FOREIGN KEY REFERENCES UNIT_DIMS(dim_id)\n,ser_un_m   nvarchar(16) NOT NULL\n"
+    ",ser_un_of  nvarchar(16) NOT NULL\n,ser_un_si  nvarchar(16)\n );\n"
+    "CREATE TABLE SERIES_UNITS (\nsu_id     int IDENTITY(1,1) PRIMARY KEY\n,su_name   nvarchar(20) NOT NULL\n"
+    ",su_iser   int FOREIGN KEY REFERENCES SERIES(ser_id)\n,su_uid    int FOREIGN KEY REFERENCES UNITS(unit_id)\n"
+    ",su_iun    int NOT NULL\n,su_io     int NOT NULL\n );\n";
 
 TEST(UnitsSqlScript, SchemaAndRowsOfASmallRegistry) {
   TempDir dir;
@@ -76,7 +41,7 @@ TEST(UnitsSqlScript, SchemaAndRowsOfASmallRegistry) {
                                  "**Series\n0,temperature,1,1,2,2,degc,degk,degk\n"
                                  "**Entries\n1,2,0,0\n2,1,0,1\n"))
                   .isOk());
-  std::vector<std::string> expected = kSchema;
+  std::vector<std::string> expected = linesOf(kSchema);
   const std::vector<std::string> rows = {
       "SET IDENTITY_INSERT UNIT_DIMS ON;",
       "INSERT INTO UNIT_DIMS (dim_id, dim_name) values (1, 'temperature');",
@@ -98,23 +63,20 @@ TEST(UnitsSqlScript, SchemaAndRowsOfASmallRegistry) {
 
   const std::string out = dir.file("sql/out.sql");
   ASSERT_TRUE(reg.writeSqlScript(out).isOk());
-  EXPECT_EQ(fileLines(out), expected);
+  EXPECT_EQ(linesOf(TempDir::read(out)), expected);
 }
 
 TEST(UnitsSqlScript, ExportWritesCreateUnitsUnderTempdirSql) {
   TempDir dir;
-  const char* before = std::getenv("SUBSURF_TEMPDIR");
-  const std::string saved = before ? before : "";
-  ::setenv("SUBSURF_TEMPDIR", dir.path().c_str(), 1);
-  host::clearRecorded();
-  X_SQLSCRIPT();
-  if (before) ::setenv("SUBSURF_TEMPDIR", saved.c_str(), 1);
-  else ::unsetenv("SUBSURF_TEMPDIR");
+  {
+    testing::ScopedEnv tempdir("SUBSURF_TEMPDIR", dir.path());
+    host::clearRecorded();
+    X_SQLSCRIPT();
+  }
 
   EXPECT_TRUE(host::recordedMessages().empty());
-  const std::vector<std::string> lines = fileLines(dir.file("sql/create_units.sql"));
-  ASSERT_GT(lines.size(), kSchema.size());
-  EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + static_cast<long>(kSchema.size())), kSchema);
+  const std::vector<std::string> lines = linesOf(TempDir::read(dir.file("sql/create_units.sql")));
+  ASSERT_GT(lines.size(), linesOf(kSchema).size());
   EXPECT_EQ(lines, unitsRegistry().sqlScript());
 }
 

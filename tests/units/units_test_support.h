@@ -2,7 +2,10 @@
 #pragma once
 
 #include <cmath>
+#include <cstdlib>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -12,6 +15,29 @@ namespace subsurf::testing {
 
 // The definitions file shipped in data/.
 inline std::string shippedDefinitions() { return std::string(SUBSURF_SOURCE_DATA_DIR) + "/x_units.def"; }
+
+// Sets an environment variable for its lifetime; restores the earlier state after.
+class ScopedEnv {
+ public:
+  ScopedEnv(const char* name, const std::string& value) : name_(name) {
+    if (const char* before = std::getenv(name)) saved_ = before, had_ = true;
+    ::setenv(name, value.c_str(), 1);
+  }
+  ~ScopedEnv() { had_ ? ::setenv(name_, saved_.c_str(), 1) : ::unsetenv(name_); }
+
+ private:
+  const char* name_;
+  std::string saved_;
+  bool had_ = false;
+};
+
+// The lines of a text, each without its line end.
+inline std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
 
 // Checks that a relative difference is within tol (an absolute one near zero).
 inline ::testing::AssertionResult closeTo(double actual, double expected, double tol = 1e-12) {

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "host/fixed_text.h"
@@ -45,33 +46,25 @@ class ValueText : public ::testing::Test {
 
 }  // namespace
 
+// Format -4: whole digits and the tenths (a depth keeps its tenths) up to the
+// whole-digit range, four significant digits below 10^3; 0..n: n decimals.
 TEST_F(ValueText, SignificantDigitsKeepWholeDigitsAndTenths) {
-  EXPECT_EQ(formatValue(1234.5f, -4), "1234.5");   // a depth keeps its tenths
-  EXPECT_EQ(formatValue(-1234.5f, -4), "-1234.5");
-  EXPECT_EQ(formatValue(2500.0f, -4), "2500");
-  EXPECT_EQ(formatValue(1234.56f, -4), "1234.6");
-  EXPECT_EQ(formatValue(12345.67f, -4), "12345.7");
-  EXPECT_EQ(formatValue(999.5f, -4), "999.5");     // below 10^3: four significant digits
-  EXPECT_EQ(formatValue(12.345f, -4), "12.35");
-  EXPECT_EQ(formatValue(0.012345f, -4), "0.01235");
-  EXPECT_EQ(formatValue(0.0f, -4), "0");
-  EXPECT_EQ(formatValue(-0.0f, -4), "0");
-  EXPECT_EQ(formatValue(1.5e7f, -4), "1.5e+07");   // beyond the whole-digit range
-  EXPECT_EQ(formatValue(9999999.0f, -4), "9999999");
-  EXPECT_EQ(formatValue(12.5f, 2), "12.50");
-  EXPECT_EQ(formatValue(12.0f, 0), "12");
-  EXPECT_EQ(formatValue(kRealNull, -4), "");
+  struct Case { float value; int format; const char* text; };
+  const Case cases[] = {{1234.5f, -4, "1234.5"}, {-1234.5f, -4, "-1234.5"},   {2500.0f, -4, "2500"},
+                        {1234.56f, -4, "1234.6"}, {12345.67f, -4, "12345.7"}, {999.5f, -4, "999.5"},
+                        {12.345f, -4, "12.35"},   {0.012345f, -4, "0.01235"}, {0.0f, -4, "0"},
+                        {-0.0f, -4, "0"},         {1.5e7f, -4, "1.5e+07"},    {9999999.0f, -4, "9999999"},
+                        {12.5f, 2, "12.50"},      {12.0f, 0, "12"},           {kRealNull, -4, ""}};
+  for (const Case& c : cases) EXPECT_EQ(formatValue(c.value, c.format), c.text) << c.value << " format " << c.format;
   EXPECT_EQ(formatValue(kDoubleNull, -4), "");
-  // Doubles hold whole digits further.
-  EXPECT_EQ(formatValue(123456789.3, -4), "123456789.3");
+  EXPECT_EQ(formatValue(123456789.3, -4), "123456789.3");  // doubles hold whole digits further
 }
 
 TEST_F(ValueText, ShownTextCarriesTheUncertaintyInPercent) {
-  EXPECT_EQ(fixedText(real(12.5f, 0.03f).CHU), "12.5 +/- 3%");
-  EXPECT_EQ(fixedText(real(1234.5f, 0.125f).CHU), "1234.5 +/- 12.5%");
-  EXPECT_EQ(fixedText(real(12.5f, 0.0f).CHU), "12.5 +/- 0%");
-  EXPECT_EQ(fixedText(real(12.5f).CHU), "12.5");
-  EXPECT_EQ(fixedText(real(kRealNull, 0.03f).CHU), "");
+  const std::tuple<float, float, const char*> cases[] = {{12.5f, 0.03f, "12.5 +/- 3%"}, {1234.5f, 0.125f, "1234.5 +/- 12.5%"},
+                                                        {12.5f, 0.0f, "12.5 +/- 0%"},  {12.5f, kRealNull, "12.5"},
+                                                        {kRealNull, 0.03f, ""}};
+  for (const auto& [value, relerr, text] : cases) EXPECT_EQ(fixedText(real(value, relerr).CHU), text) << value;
 }
 
 TEST_F(ValueText, LongTextsDropBlanksThenTheUncertainty) {
@@ -102,47 +95,28 @@ TEST_F(ValueText, OutputTextsShowANullAsEmptyParentheses) {
   EXPECT_EQ(fixedText(d.CHU), "()");
 }
 
-TEST_F(ValueText, EveryUncertaintyMarkerReadsTheSame) {
-  for (const char* text : {"12.5 +/- 3%", "12.5 e=3", "12.5 +- 3", "12.5+/-3%", "12.5 E=3 %", " 12.5 +/- 3 % approx"}) {
-    DT_RSCA r = real(0.0f);
-    EXPECT_EQ(enter(r, text), 0) << text;
-    EXPECT_EQ(r.V, 12.5f) << text;
-    EXPECT_FLOAT_EQ(r.RELERR, 0.03f) << text;
-    EXPECT_EQ(fixedText(r.CHU), "12.5 +/- 3%") << text;
-  }
-  EXPECT_TRUE(messages().empty());
-}
-
-TEST_F(ValueText, BlankAndEmptyParenthesesGiveTheNull) {
-  for (const char* text : {"", "   ", "()", " () "}) {
-    DT_RSCA r = real(7.0f, 0.1f);
-    EXPECT_EQ(enter(r, text), 0) << text;
-    EXPECT_EQ(r.V, kRealNull) << text;
-    EXPECT_EQ(r.RELERR, kRealNull) << text;
-    EXPECT_EQ(fixedText(r.CHU), "") << text;
-  }
-}
-
-TEST_F(ValueText, PlainNumberClearsTheUncertainty) {
-  DT_RSCA r = real(7.0f, 0.1f);
-  EXPECT_EQ(enter(r, "+8.25"), 0);
-  EXPECT_EQ(r.V, 8.25f);
-  EXPECT_EQ(r.RELERR, kRealNull);
-  EXPECT_EQ(fixedText(r.CHU), "8.25");
-  EXPECT_EQ(enter(r, "-1e3"), 0);
-  EXPECT_EQ(r.V, -1000.0f);
-}
-
-TEST_F(ValueText, GarbageIsAnInvalidNumberAndLeavesTheValue) {
-  for (const char* text : {"abc", "12,5", "1.2.3", "12.5 +/-", "12.5 +/- x%", "+/- 3%", "nan", "inf", "1e39",
-                           "--4"}) {
+// Typed into a record holding 7 +/- 10%: every uncertainty marker reads the same;
+// blank and "()" give the null; a plain number clears the uncertainty; garbage is
+// refused with "Invalid number!" and leaves the value (and its text) as held.
+TEST_F(ValueText, EnteredTexts) {
+  struct Case { const char* text; int status; float value, relerr; const char* shown; };
+  std::vector<Case> cases;
+  for (const char* t : {"12.5 +/- 3%", "12.5 e=3", "12.5 +- 3", "12.5+/-3%", "12.5 E=3 %", " 12.5 +/- 3 % approx"})
+    cases.push_back({t, 0, 12.5f, 0.03f, "12.5 +/- 3%"});
+  for (const char* t : {"", "   ", "()", " () "}) cases.push_back({t, 0, kRealNull, kRealNull, ""});
+  cases.push_back({"+8.25", 0, 8.25f, kRealNull, "8.25"});
+  cases.push_back({"-1e3", 0, -1000.0f, kRealNull, "-1000"});
+  for (const char* t : {"abc", "12,5", "1.2.3", "12.5 +/-", "12.5 +/- x%", "+/- 3%", "nan", "inf", "1e39", "--4"})
+    cases.push_back({t, 1, 7.0f, 0.1f, "7 +/- 10%"});
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string("\"") + c.text + "\"");
     host::clearRecorded();
     DT_RSCA r = real(7.0f, 0.1f);
-    EXPECT_EQ(enter(r, text), 1) << text;
-    EXPECT_EQ(r.V, 7.0f) << text;
-    EXPECT_EQ(r.RELERR, 0.1f) << text;
-    EXPECT_EQ(fixedText(r.CHU), "7 +/- 10%") << text;  // the text shows the value still held
-    EXPECT_EQ(messages(), std::vector<std::string>{"Invalid number!"}) << text;
+    EXPECT_EQ(enter(r, c.text), c.status);
+    EXPECT_EQ(r.V, c.value);
+    EXPECT_FLOAT_EQ(r.RELERR, c.relerr);
+    EXPECT_EQ(fixedText(r.CHU), c.shown);
+    EXPECT_EQ(messages(), c.status ? std::vector<std::string>{"Invalid number!"} : std::vector<std::string>{});
   }
 }
 
