@@ -3,6 +3,9 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "host/csv_row.h"
 #include "host/nulls.h"
@@ -28,27 +31,21 @@ TEST(CsvRowQuoting, TextsThatNeedQuotesRoundTrip) {
   }
 }
 
-TEST(CsvRowQuoting, TrailingBlanksAreTrimmedLeadingBlanksKept) {
+// Trailing blanks are trimmed, leading ones kept (quoted); an empty text is an
+// empty quoted field; line breaks become blanks.
+TEST(CsvRowQuoting, WrittenForms) {
   EXPECT_EQ(roundTripText("   Top Depth     "), "   Top Depth");
-  CsvRow row;
-  row.addText("  key  ");
-  EXPECT_EQ(row.str(), "\"  key\"");
-}
-
-TEST(CsvRowQuoting, EmptyTextIsKeptAsAnEmptyField) {
-  CsvRow row;
-  row.addText("a").addText("").addText("b");
-  EXPECT_EQ(row.str(), "a,\"\",b");
-  CsvRow back = CsvRow::parse(row.str());
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{"  key  "}, "\"  key\""}, {{"a", "", "b"}, "a,\"\",b"}, {{"two\nlines"}, "two lines"}};
+  for (const auto& [texts, expected] : cases) {
+    CsvRow row;
+    for (const std::string& t : texts) row.addText(t);
+    EXPECT_EQ(row.str(), expected);
+  }
+  CsvRow back = CsvRow::parse("a,\"\",b");
   ASSERT_EQ(back.size(), 3u);
   EXPECT_EQ(back.field(2), "");
   EXPECT_EQ(back.field(3), "b");
-}
-
-TEST(CsvRowQuoting, LineBreaksInTextBecomeBlanks) {
-  CsvRow row;
-  row.addText("two\nlines");
-  EXPECT_EQ(row.str(), "two lines");
 }
 
 TEST(CsvRowParsing, UnquotedFieldsLoseSurroundingBlanks) {
@@ -98,6 +95,9 @@ TEST(CsvRowNumbers, StatusForAbsentAndUnreadableColumns) {
 TEST(CsvRowNumbers, RealsRoundTripBitForBit) {
   const float floats[] = {0.0f, -0.0f, 1.0f / 3.0f, 1234.5f, 3.4e38f, 1.0e-38f, subsurf::kRealNull,
                           std::numeric_limits<float>::denorm_min(), 0.1f};
+  CsvRow null;
+  null.addReal(subsurf::kRealNull);
+  EXPECT_EQ(null.str(), "-9.9e+20");  // the null is written as its value
   for (float f : floats) {
     CsvRow row;
     row.addReal(f);
@@ -113,10 +113,4 @@ TEST(CsvRowNumbers, RealsRoundTripBitForBit) {
     ASSERT_EQ(CsvRow::parse(row.str()).real8(1, back), CsvRow::kOk);
     EXPECT_EQ(std::bit_cast<uint64_t>(back), std::bit_cast<uint64_t>(v));
   }
-}
-
-TEST(CsvRowNumbers, NullRealIsWrittenAsItsValue) {
-  CsvRow row;
-  row.addReal(subsurf::kRealNull);
-  EXPECT_EQ(row.str(), "-9.9e+20");
 }

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 #include "host/atomic_file.h"
 #include "host/keyword_file.h"
@@ -12,30 +13,23 @@
 using namespace subsurf;
 using subsurf::testing::TempDir;
 
+// Committed, the new contents replace the old; abandoned half way (no commit),
+// the old file stays. Either way no temporary is left.
 TEST(AtomicFile, ReplacesTargetOnlyOnCommit) {
-  TempDir dir;
-  const std::string target = dir.write("session.slbs", "old contents\n");
-  {
-    AtomicFile f;
-    ASSERT_TRUE(f.open(target));
-    f.writeLine("new contents");
-    EXPECT_EQ(TempDir::read(target), "old contents\n");  // untouched while writing
-    ASSERT_TRUE(f.commit());
+  for (bool commit : {true, false}) {
+    SCOPED_TRACE(commit ? "committed" : "abandoned");
+    TempDir dir;
+    const std::string target = dir.write("session.slbs", "old contents\n");
+    {
+      AtomicFile f;
+      ASSERT_TRUE(f.open(target));
+      f.writeLine("new contents");
+      EXPECT_EQ(TempDir::read(target), "old contents\n");  // untouched while writing
+      if (commit) ASSERT_TRUE(f.commit());
+    }
+    EXPECT_EQ(TempDir::read(target), commit ? "new contents\n" : "old contents\n");
+    EXPECT_EQ(dir.list(), std::vector<std::string>{"session.slbs"});
   }
-  EXPECT_EQ(TempDir::read(target), "new contents\n");
-  EXPECT_EQ(dir.list(), std::vector<std::string>{"session.slbs"});
-}
-
-TEST(AtomicFile, AbandonedWriteLeavesOldFileAndNoTemporary) {
-  TempDir dir;
-  const std::string target = dir.write("user", "kept\n");
-  {
-    AtomicFile f;
-    ASSERT_TRUE(f.open(target));
-    f.writeLine("half written");
-  }  // no commit: e.g. an error met half way
-  EXPECT_EQ(TempDir::read(target), "kept\n");
-  EXPECT_EQ(dir.list(), std::vector<std::string>{"user"});
 }
 
 TEST(AtomicFile, UnwritableFolderIsReportedWithTheFileName) {
@@ -101,28 +95,23 @@ TEST(KeywordFileWriter, RowsRoundTripThroughAFile) {
 class LogicalPaths : public ::testing::Test {
  protected:
   void SetUp() override {
-    setenv("SUBSURF_USERLIB", "/u/lib", 1);
-    setenv("SUBSURF_DEFLIB", "/d/lib", 1);
-    setenv("SUBSURF_TEMPDIR", "/scratch", 1);
+    for (auto [name, value] : kFolders) setenv(name, value, 1);
   }
   void TearDown() override {
-    unsetenv("SUBSURF_USERLIB");
-    unsetenv("SUBSURF_DEFLIB");
-    unsetenv("SUBSURF_TEMPDIR");
+    for (auto [name, value] : kFolders) unsetenv(name);
   }
+  static constexpr std::pair<const char*, const char*> kFolders[] = {
+      {"SUBSURF_USERLIB", "/u/lib"}, {"SUBSURF_DEFLIB", "/d/lib"}, {"SUBSURF_TEMPDIR", "/scratch"}};
 };
 
-TEST_F(LogicalPaths, PrefixesResolveFromTheEnvironmentInAnyCase) {
-  EXPECT_EQ(resolvePath("userlib:rtmplts.rctml"), "/u/lib/rtmplts.rctml");
-  EXPECT_EQ(resolvePath("DEFLIB:x_units.def"), "/d/lib/x_units.def");
-  EXPECT_EQ(resolvePath("tempdir:sql/create_units"), "/scratch/sql/create_units");
-  EXPECT_EQ(resolvePath("helppath:index.html"), "/d/lib/help/index.html");
-}
-
-TEST_F(LogicalPaths, NamesWithoutAKnownPrefixAreKept) {
-  EXPECT_EQ(resolvePath("/abs/file.jpg"), "/abs/file.jpg");
-  EXPECT_EQ(resolvePath("C:/photos/tray.jpg"), "C:/photos/tray.jpg");
-  EXPECT_EQ(resolvePath("other:thing"), "other:thing");
+// Known prefixes resolve from the environment in any letter case; other names are kept.
+TEST_F(LogicalPaths, PrefixesResolveFromTheEnvironment) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"userlib:rtmplts.rctml", "/u/lib/rtmplts.rctml"},   {"DEFLIB:x_units.def", "/d/lib/x_units.def"},
+      {"tempdir:sql/create_units", "/scratch/sql/create_units"}, {"helppath:index.html", "/d/lib/help/index.html"},
+      {"/abs/file.jpg", "/abs/file.jpg"},                   {"C:/photos/tray.jpg", "C:/photos/tray.jpg"},
+      {"other:thing", "other:thing"}};
+  for (const auto& [name, expected] : cases) EXPECT_EQ(resolvePath(name), expected) << name;
 }
 
 TEST_F(LogicalPaths, FileNameFromLocationNameAndType) {

@@ -67,17 +67,13 @@ TEST(NumberText, ExportedRoutinesUseBlankPaddedFields) {
 }
 
 TEST(GuardedPower, UndefinedPowersReportAndReturnTheBase) {
-  int err = 0;
-  EXPECT_DOUBLE_EQ(guardedPower(4.0, 0.5, err), 2.0);
-  EXPECT_EQ(err, 0);
-  EXPECT_DOUBLE_EQ(guardedPower(-8.0, 1.0 / 3.0, err), -8.0);
-  EXPECT_EQ(err, 1);
-  EXPECT_DOUBLE_EQ(guardedPower(0.0, -1.0, err), 0.0);
-  EXPECT_EQ(err, 1);
-  EXPECT_DOUBLE_EQ(guardedPower(-2.0, 2.0, err), 4.0);
-  EXPECT_EQ(err, 0);
-  EXPECT_DOUBLE_EQ(guardedPower(1e300, 2.0, err), 1e300);
-  EXPECT_EQ(err, 1);
+  struct Case { double base, exponent, expected; int err; };
+  for (const Case& c : {Case{4.0, 0.5, 2.0, 0}, Case{-8.0, 1.0 / 3.0, -8.0, 1}, Case{0.0, -1.0, 0.0, 1},
+                        Case{-2.0, 2.0, 4.0, 0}, Case{1e300, 2.0, 1e300, 1}}) {
+    int err = -1;
+    EXPECT_DOUBLE_EQ(guardedPower(c.base, c.exponent, err), c.expected) << c.base << " ^ " << c.exponent;
+    EXPECT_EQ(err, c.err) << c.base << " ^ " << c.exponent;
+  }
   int lo = 1, hi = 10, v = 11;
   EXPECT_EQ(IA_ILIMIT(&v, &lo, &hi), 10);
 }
@@ -127,50 +123,43 @@ TEST_F(Messages, AnEmbeddingHostReceivesMessagesAndAnswersQuestions) {
   EXPECT_EQ(answer, 1);
 }
 
+// A C caller's field: the text blank-padded to its width.
+std::string padded(const std::string& s, std::size_t width) { return s + std::string(width - s.size(), ' '); }
+
 TEST(KeywordChannels, WriteRowsThenReadThemBackByColumn) {
   subsurf::testing::TempDir dir;
-  char file[260];
-  std::memset(file, ' ', 260);
-  const std::string path = dir.file("chan.txt");
-  std::memcpy(file, path.data(), path.size());
-  char mode[16];
-  std::memset(mode, ' ', 16);
-  std::memcpy(mode, "WRITE", 5);
+  const std::string path = dir.file("chan.txt"), file = padded(path, 260), release = padded("RELEASE", 16);
   int ch = 0, st = -1;
-  KJF_OPEN(&ch, file, mode, &st);
+  KJF_OPEN(&ch, file.c_str(), padded("WRITE", 16).c_str(), &st);
   ASSERT_EQ(st, 0);
   int first = 0, mid = 1, last = 2, w = 16, iv = 4;
   float rv = 1.25f;
   A_SETCSVC(&ch, "  Top Depth     ", &w, &first);
   A_SETCSVI(&ch, &iv, &mid);
   A_SETCSVR(&ch, &rv, &last);
-  std::memcpy(mode, "RELEASE", 7);
-  KJF_CLOS(&ch, mode, &st);
+  KJF_CLOS(&ch, release.c_str(), &st);
   ASSERT_EQ(st, 0);
   EXPECT_EQ(subsurf::testing::TempDir::read(path), "\"  Top Depth\",4,1.25\n");
 
-  std::memset(mode, ' ', 16);
-  std::memcpy(mode, "READ", 4);
-  KJF_OPEN(&ch, file, mode, &st);
+  KJF_OPEN(&ch, file.c_str(), padded("READ", 16).c_str(), &st);
   ASSERT_EQ(st, 0);
   A_LOADCSV(&ch, &st);
   ASSERT_EQ(st, 0);
   char key[16];
-  int col = 1;
+  int col = 1, got = 0;
   A_GETCSVC(&ch, &col, key, &w, &st);
   EXPECT_EQ(std::string(key, 16), "  Top Depth     ");
   col = 2;
-  int got = 0;
   A_GETCSVI(&ch, &col, &got, &st);
   EXPECT_EQ(got, 4);
   col = 3;
   double d = 0;
   A_GETCSVR8(&ch, &col, &d, &st);
   EXPECT_EQ(d, 1.25);
-  col = 4;
+  col = 4;  // past the last column
   A_GETCSVI(&ch, &col, &got, &st);
   EXPECT_EQ(st, 1);
-  A_LOADCSV(&ch, &st);
+  A_LOADCSV(&ch, &st);  // past the last row
   EXPECT_EQ(st, -3);
-  KJF_CLOS(&ch, mode, &st);
+  KJF_CLOS(&ch, release.c_str(), &st);
 }
