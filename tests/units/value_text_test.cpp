@@ -232,53 +232,28 @@ PercentRun percentOf(std::vector<float> values, std::string_view unit) {
 
 }  // namespace
 
-TEST(PercentFactor, PercentLikeUnitNamesDecide) {
-  for (const char* unit : {"%", "pu", "P.U.", "PU"}) {
-    const PercentRun run = percentOf({0.2f, 0.3f}, unit);
-    EXPECT_EQ(run.factor, 0.01f) << unit;
-    EXPECT_EQ(run.unit, unit) << unit;
+// Percent-like unit names decide; otherwise the average of the values in
+// -4..60 (inclusive; nulls take no part): above 0.8 is percent, else fractions,
+// and the unit becomes "%" or "fr". All values out of range: percent, unit kept.
+// iun 0 and a null unit mean "not checked".
+TEST(PercentFactor, UnitNameOrAverageDecides) {
+  struct Case { std::vector<float> values; const char* unit; float factor; const char* after; const char* iunOf; };
+  const Case cases[] = {
+      {{0.2f, 0.3f}, "%", 0.01f, "%", nullptr},           {{0.2f, 0.3f}, "pu", 0.01f, "pu", nullptr},
+      {{0.2f, 0.3f}, "P.U.", 0.01f, "P.U.", nullptr},     {{0.2f, 0.3f}, "PU", 0.01f, "PU", nullptr},
+      {{20.0f, 30.0f}, "fr", 1.0f, "fr", nullptr},        {{20.0f, 30.0f}, "V/V", 1.0f, "V/V", nullptr},
+      {{20.0f, 30.0f}, "-", 1.0f, "-", nullptr},          {{0.8f, 0.8f, 0.8f}, "", 1.0f, "fr", "fr"},
+      {{0.81f, 0.81f}, "porosity", 0.01f, "%", "%"},      {{0.5f, 90.0f, kRealNull}, "", 1.0f, "fr", nullptr},
+      {{61.0f, 75.0f, 99.0f}, "xx", 0.01f, "xx", ""},     {{kRealNull, kRealNull}, "xx", 1.0f, "xx", nullptr},
+      {{60.0f}, "", 0.01f, "%", nullptr},                 {{-4.0f}, "", 1.0f, "fr", nullptr},
+      {{-4.01f}, "", 0.01f, "", nullptr},                 {{}, "", 1.0f, nullptr, nullptr}};
+  const int fraction = unitsRegistry().findSeries("fraction");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(::testing::Message() << c.values.size() << " values from " << (c.values.empty() ? 0 : c.values[0])
+                                      << " in \"" << c.unit << "\"");
+    const PercentRun run = percentOf(c.values, c.unit);
+    EXPECT_EQ(run.factor, c.factor);
+    if (c.after) EXPECT_EQ(run.unit, c.after);
+    if (c.iunOf) EXPECT_EQ(run.iun, *c.iunOf ? unitsRegistry().findUnit(fraction, c.iunOf) : -5);
   }
-  for (const char* unit : {"fr", "V/V", "-"}) {
-    const PercentRun run = percentOf({20.0f, 30.0f}, unit);
-    EXPECT_EQ(run.factor, 1.0f) << unit;
-    EXPECT_EQ(run.unit, unit) << unit;
-  }
-}
-
-TEST(PercentFactor, AverageOfPointEightIsFractionsAndAboveIsPercent) {
-  PercentRun run = percentOf({0.8f, 0.8f, 0.8f}, "");
-  EXPECT_EQ(run.factor, 1.0f);
-  EXPECT_EQ(run.unit, "fr");
-  EXPECT_EQ(run.iun, unitsRegistry().findUnit(unitsRegistry().findSeries("fraction"), "fr"));
-
-  run = percentOf({0.81f, 0.81f}, "porosity");
-  EXPECT_EQ(run.factor, 0.01f);
-  EXPECT_EQ(run.unit, "%");
-  EXPECT_EQ(run.iun, unitsRegistry().findUnit(unitsRegistry().findSeries("fraction"), "%"));
-}
-
-TEST(PercentFactor, ValuesAboveSixtyAndNullsTakeNoPart) {
-  // 0.5 is the only value in range: fractions, though 90 would make the average high.
-  PercentRun run = percentOf({0.5f, 90.0f, kRealNull}, "");
-  EXPECT_EQ(run.factor, 1.0f);
-  EXPECT_EQ(run.unit, "fr");
-
-  // All above 60: percentages, unit left as it was.
-  run = percentOf({61.0f, 75.0f, 99.0f}, "xx");
-  EXPECT_EQ(run.factor, 0.01f);
-  EXPECT_EQ(run.unit, "xx");
-  EXPECT_EQ(run.iun, -5);
-
-  // Nothing but nulls: factor 1, unit untouched.
-  run = percentOf({kRealNull, kRealNull}, "xx");
-  EXPECT_EQ(run.factor, 1.0f);
-  EXPECT_EQ(run.unit, "xx");
-
-  // The range is inclusive at both ends.
-  EXPECT_EQ(percentOf({60.0f}, "").unit, "%");
-  EXPECT_EQ(percentOf({-4.0f}, "").unit, "fr");
-  run = percentOf({-4.01f}, "");
-  EXPECT_EQ(run.factor, 0.01f);
-  EXPECT_EQ(run.unit, "");
-  EXPECT_EQ(percentOf({}, "").factor, 1.0f);
 }
