@@ -3,6 +3,7 @@
 // rules in 32-bit reals.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -18,63 +19,53 @@ namespace {
 // ---------------------------------------------------------------------------
 // The file-name grammar.
 
+// Status 0 with the depths read; 1 when the name holds no interval; one
+// kDepthReadFailure for each field that cannot be read.
 struct NameCase {
-  const char* name;
-  float top;
-  float base;
+  std::string name;
+  int status;
+  float top = 0;
+  float base = 0;
 };
 
-TEST(DepthGrammar, NamesOfTheDocumentedForms) {
+TEST(DepthGrammar, NamesGiveTopBaseAndStatus) {
+  std::string padded = "TRAY_1234_5-1236_0";  // a blank-padded name field
+  padded.resize(260, ' ');
   const NameCase cases[] = {
-      {"TRAY_1234_5-1236_0.jpg", 1234.5f, 1236.0f},  // one decimal after "_", suffix after
-      {"1234-1236", 1234.0f, 1236.0f},               // four digits, nothing else
-      {"12345-12347", 12345.0f, 12347.0f},           // five digits
-      {"1234_25-1236_05.jpg", 1234.25f, 1236.05f},   // two decimals
-      {"C12345_5-12350_5.jpg", 12345.5f, 12350.5f},  // five digits with a decimal
-      {"T1234.5-1236.5", 1234.5f, 1236.5f},          // "." as the decimal mark
-      {"/data/well-7/box3-2/TRAY_1234_5-1236_0.jpg", 1234.5f, 1236.0f},  // hyphens in folders
-      {"C:\\cores\\A1234_5-1236_05.bmp", 1234.5f, 1236.05f},
+      {"TRAY_1234_5-1236_0.jpg", 0, 1234.5f, 1236.0f},  // one decimal after "_", suffix after
+      {"1234-1236", 0, 1234.0f, 1236.0f},               // four digits, nothing else
+      {"12345-12347", 0, 12345.0f, 12347.0f},           // five digits
+      {"1234_25-1236_05.jpg", 0, 1234.25f, 1236.05f},   // two decimals
+      {"C12345_5-12350_5.jpg", 0, 12345.5f, 12350.5f},  // five digits with a decimal
+      {"T1234.5-1236.5", 0, 1234.5f, 1236.5f},          // "." as the decimal mark
+      {"/data/well-7/box3-2/TRAY_1234_5-1236_0.jpg", 0, 1234.5f, 1236.0f},  // hyphens in folders
+      {"C:\\cores\\A1234_5-1236_05.bmp", 0, 1234.5f, 1236.05f},
+      {"12 4_5-1236_0", 0, 124.5f, 1236.0f},  // blanks inside a field count for nothing
+      {padded, 0, 1234.5f, 1236.0f},
+      {"TRAY_1234.jpg", 1},  // no interval
+      {"-1234_5.jpg", 1},
+      {"", 1},
+      {"-", 1},
+      {"12a4_5-1236_0", kDepthReadFailure},  // letters: five and four digits both fail
+      {"ab-cd", 2 * kDepthReadFailure},
+      {"1234-", kDepthReadFailure},
+      // A four-digit base followed by the suffix: its "." is taken for a
+      // decimal mark and "jp" / "j" are no digits.
+      {"TRAY_1234-1236.jpg", kDepthReadFailure},
+      {"1234_x-1236", kDepthReadFailure},  // a decimal digit that is a letter
   };
   for (const NameCase& c : cases) {
+    SCOPED_TRACE("\"" + c.name + "\"");
     const ParsedDepths d = CoreSession::parseDepths(c.name);
-    EXPECT_EQ(d.status, 0) << c.name;
-    EXPECT_FLOAT_EQ(d.top, c.top) << c.name;
-    EXPECT_FLOAT_EQ(d.base, c.base) << c.name;
+    EXPECT_EQ(d.status, c.status);
+    if (c.status == 0) {
+      EXPECT_FLOAT_EQ(d.top, c.top);
+      EXPECT_FLOAT_EQ(d.base, c.base);
+    }
+    if (c.status == 1) {
+      EXPECT_TRUE(isNull(d.top));
+    }
   }
-}
-
-TEST(DepthGrammar, NoIntervalGivesStatusOne) {
-  for (const char* name : {"TRAY_1234.jpg", "-1234_5.jpg", "", "-"}) {
-    const ParsedDepths d = CoreSession::parseDepths(name);
-    EXPECT_EQ(d.status, 1) << name;
-    EXPECT_TRUE(isNull(d.top)) << name;
-  }
-}
-
-TEST(DepthGrammar, UnreadableFieldsAddUpInTheStatus) {
-  // Letters inside the digits: the top cannot be read (five and four digits both fail).
-  EXPECT_EQ(CoreSession::parseDepths("12a4_5-1236_0").status, kDepthReadFailure);
-  // Neither number readable.
-  EXPECT_EQ(CoreSession::parseDepths("ab-cd").status, 2 * kDepthReadFailure);
-  // Nothing after the hyphen.
-  EXPECT_EQ(CoreSession::parseDepths("1234-").status, kDepthReadFailure);
-  // A four-digit base directly followed by the suffix: the suffix's "." is
-  // taken for a decimal mark and "jp" / "j" are no digits.
-  EXPECT_EQ(CoreSession::parseDepths("TRAY_1234-1236.jpg").status, kDepthReadFailure);
-  // A decimal digit that is a letter.
-  EXPECT_EQ(CoreSession::parseDepths("1234_x-1236").status, kDepthReadFailure);
-}
-
-TEST(DepthGrammar, BlanksInsideAFieldCountForNothing) {
-  const ParsedDepths inside = CoreSession::parseDepths("12 4_5-1236_0");
-  EXPECT_EQ(inside.status, 0);
-  EXPECT_FLOAT_EQ(inside.top, 124.5f);
-  // A blank-padded name field: the blanks after the base read as nothing.
-  std::string padded = "TRAY_1234_5-1236_0";
-  padded.resize(260, ' ');
-  const ParsedDepths d = CoreSession::parseDepths(padded);
-  EXPECT_EQ(d.status, 0);
-  EXPECT_FLOAT_EQ(d.base, 1236.0f);
 }
 
 TEST(DepthGrammar, ExportWritesTopBaseAndLengthOnlyOnSuccess) {
@@ -140,6 +131,14 @@ class TrayTest : public ::testing::Test {
   static float row(const CoreImage* img, int r, bool top) {
     return img->realValue(top ? rowTopSetting(r) : rowBaseSetting(r));
   }
+  // `count` white-light trays, the first set as given and selected.
+  std::vector<CoreImage*> run(int count, float top, float base, int cores, float coreLength) {
+    std::vector<CoreImage*> t;
+    for (int k = 0; k < count; ++k) t.push_back(tray(0));
+    setTray(t[0], top, base, cores, coreLength);
+    s.selectImageByPlace(1);
+    return t;
+  }
   static void setTray(CoreImage* img, float top, float base, int cores, float coreLength) {
     img->realSetting(kRealTop).V = top;
     img->realSetting(kRealBase).V = base;
@@ -166,45 +165,48 @@ TEST_F(TrayTest, EditedDepthsGiveTrayLengthAndRowCount) {
   EXPECT_TRUE(host::recordedMessages().empty());
 }
 
-TEST_F(TrayTest, MoreThanTenRowsWarnsUnlessTheImageIsLongCore) {
-  CoreImage* img = tray(0);
-  setTray(img, 1000.0f, 1000.0f, 3, 0.4f);
-  EXPECT_EQ(s.editTrayDepth(1, kColBase, 1005.0f, table.get()), 1);  // trunc(4.99 / 0.4) + 1 = 13
-  EXPECT_EQ(host::recordedMessages(), std::vector<std::string>{"Warning - more than 10 cores in tray!"});
-  EXPECT_EQ(img->intValue(kIntCoreNumber), 3);
-  EXPECT_FLOAT_EQ(cell(1, kColTrayLength), 5.0f);  // the image was written back to the table
-  EXPECT_EQ(refreshed, std::vector<std::string>{"cor_split"});
+// Editing one depth of a tray: the status, the row count left on the image,
+// the tray length and the message. A reverse of 2 marks a long core.
+struct EditCase {
+  const char* what;
+  float top, base, coreLength;
+  int cores, reverse, column;
+  float value;
+  int status, coresAfter;
+  float trayLength;  // NaN: not looked at
+  const char* message;
+  bool writtenBack = false;  // to the table, with a refresh of the split window
+};
 
-  host::clearRecorded();
-  img->intSetting(kIntReverse).V = 2;
-  EXPECT_EQ(s.editTrayDepth(1, kColBase, 1005.0f, table.get()), 0);
-  EXPECT_EQ(img->intValue(kIntCoreNumber), 13);
-  EXPECT_TRUE(host::recordedMessages().empty());
-}
-
-TEST_F(TrayTest, TopBelowBaseIsAnError) {
-  CoreImage* img = tray(0);
-  setTray(img, 1005.0f, 1005.0f, 4, 1.0f);
-  EXPECT_EQ(s.editTrayDepth(1, kColBase, 1000.0f, table.get()), 1);  // trunc(-5.01) + 1 = -4
-  EXPECT_EQ(host::recordedMessages(), std::vector<std::string>{"Error - Top depth >= Base Depth!"});
-  EXPECT_EQ(img->intValue(kIntCoreNumber), 4);
-}
-
-TEST_F(TrayTest, RowCountBoundaries) {
-  CoreImage* img = tray(0);
-  // Equal top and base: trunc(-0.01 / 1) + 1 = 1 row, no error.
-  setTray(img, 1000.0f, 1000.0f, 4, 1.0f);
-  EXPECT_EQ(s.editTrayDepth(1, kColTop, 1000.0f, table.get()), 0);
-  EXPECT_EQ(img->intValue(kIntCoreNumber), 1);
-  // Exactly ten rows is no warning: trunc((10 - 0.01) / 1) + 1 = 10.
-  EXPECT_EQ(s.editTrayDepth(1, kColBase, 1010.0f, table.get()), 0);
-  EXPECT_EQ(img->intValue(kIntCoreNumber), 10);
-  // A core length of 0.001 or less (or none) leaves the count alone.
-  img->realSetting(kRealCoreLength).V = 0.001f;
-  EXPECT_EQ(s.editTrayDepth(1, kColBase, 1003.0f, table.get()), 1);
-  EXPECT_EQ(img->intValue(kIntCoreNumber), 10);
-  EXPECT_FLOAT_EQ(img->realValue(kRealTrayLength), 3.0f);
-  EXPECT_TRUE(host::recordedMessages().empty());
+TEST_F(TrayTest, RowCountOfAnEditedTray) {
+  const EditCase cases[] = {
+      {"13 rows warn", 1000, 1000, 0.4f, 3, 0, kColBase, 1005, 1, 3, 5, "Warning - more than 10 cores in tray!", true},
+      {"13 rows of long core", 1000, 1000, 0.4f, 3, 2, kColBase, 1005, 0, 13, 5, nullptr},
+      {"top below base", 1005, 1005, 1, 4, 0, kColBase, 1000, 1, 4, NAN, "Error - Top depth >= Base Depth!"},
+      {"top equals base: 1 row", 1000, 1000, 1, 4, 0, kColTop, 1000, 0, 1, NAN, nullptr},
+      {"exactly 10 rows", 1000, 1000, 1, 4, 0, kColBase, 1010, 0, 10, 10, nullptr},
+      {"core length 0.001", 1000, 1010, 0.001f, 10, 0, kColBase, 1003, 1, 10, 3, nullptr},
+  };
+  for (const EditCase& c : cases) {
+    SCOPED_TRACE(c.what);
+    host::clearRecorded();
+    refreshed.clear();
+    s.close();
+    table = std::make_unique<Dataset>("cor_images");
+    CoreImage* img = tray(0);
+    setTray(img, c.top, c.base, c.cores, c.coreLength);
+    if (c.reverse) img->intSetting(kIntReverse).V = c.reverse;
+    EXPECT_EQ(s.editTrayDepth(1, c.column, c.value, table.get()), c.status);
+    EXPECT_EQ(img->intValue(kIntCoreNumber), c.coresAfter);
+    if (!std::isnan(c.trayLength)) {
+      EXPECT_FLOAT_EQ(img->realValue(kRealTrayLength), c.trayLength);
+    }
+    EXPECT_EQ(host::recordedMessages(), c.message ? std::vector<std::string>{c.message} : std::vector<std::string>{});
+    if (c.writtenBack) {
+      EXPECT_FLOAT_EQ(cell(1, kColTrayLength), c.trayLength);
+      EXPECT_EQ(refreshed, std::vector<std::string>{"cor_split"});
+    }
+  }
 }
 
 TEST_F(TrayTest, DialogDerivesTrayAndCoreLength) {
@@ -227,22 +229,27 @@ TEST_F(TrayTest, DialogDerivesTrayAndCoreLength) {
 // ---------------------------------------------------------------------------
 // Carrying depths forward.
 
-TEST_F(TrayTest, NoStartingImage) {
+TEST_F(TrayTest, RunsThatDoNotStart) {
   tray(0);
   EXPECT_EQ(s.carryDepthsForward(table.get()), 1);
   s.selectImageByPlace(0);  // the root is not an image
   EXPECT_EQ(s.carryDepthsForward(table.get()), 1);
   EXPECT_EQ(host::recordedMessages(),
             (std::vector<std::string>{"Select a starting image!", "Select a starting image!"}));
+
+  // A start without a base: nothing done, nothing said.
+  host::clearRecorded();
+  const auto t = run(2, 1000.0f, kRealNull, 5, 1.0f);
+  EXPECT_EQ(s.carryDepthsForward(table.get()), 1);
+  EXPECT_TRUE(isNull(t[1]->realValue(kRealTop)));
+  EXPECT_FALSE(s.redrawRequested());
+  EXPECT_TRUE(host::recordedMessages().empty());
 }
 
 TEST_F(TrayTest, FollowingTraysTakeTheNextSpans) {
-  CoreImage* first = tray(0);
-  CoreImage* second = tray(0);
-  CoreImage* third = tray(0);
-  setTray(first, 1000.0f, 1005.0f, 5, 1.0f);
+  const auto t = run(3, 1000.0f, 1005.0f, 5, 1.0f);
+  CoreImage *first = t[0], *second = t[1], *third = t[2];
   first->realSetting(kRealDepthShift).V = 0.5f;
-  s.selectImageByPlace(1);
   ASSERT_EQ(s.carryDepthsForward(table.get()), 0);
 
   // The starting tray had a core length, so the run starts after it.
@@ -279,15 +286,12 @@ TEST_F(TrayTest, FollowingTraysTakeTheNextSpans) {
 }
 
 TEST_F(TrayTest, StartingTrayWithoutCoreLengthIsLaidOutToo) {
-  CoreImage* first = tray(0);
-  CoreImage* second = tray(0);
-  setTray(first, 1000.0f, 1005.0f, 5, kRealNull);
-  s.selectImageByPlace(1);
+  const auto t = run(2, 1000.0f, 1005.0f, 5, kRealNull);
   ASSERT_EQ(s.carryDepthsForward(table.get()), 0);
-  EXPECT_EQ(first->realValue(kRealTop), 1000.0f);
-  EXPECT_EQ(row(first, 1, true), 1000.0f);
-  EXPECT_EQ(row(first, 5, false), 1005.0f);
-  EXPECT_EQ(second->realValue(kRealTop), 1005.0f);  // j counts only trays after the start
+  EXPECT_EQ(t[0]->realValue(kRealTop), 1000.0f);
+  EXPECT_EQ(row(t[0], 1, true), 1000.0f);
+  EXPECT_EQ(row(t[0], 5, false), 1005.0f);
+  EXPECT_EQ(t[1]->realValue(kRealTop), 1005.0f);  // j counts only trays after the start
 }
 
 TEST_F(TrayTest, TraysOfTheOtherLightAreLeftAlone) {
@@ -311,41 +315,32 @@ TEST_F(TrayTest, TraysOfTheOtherLightAreLeftAlone) {
   EXPECT_EQ(wl2->realValue(kRealTop), 1005.0f);
 }
 
-TEST_F(TrayTest, UnsetCoreNumberAnsweredNoChangesNothing) {
-  CoreImage* first = tray(0);
-  CoreImage* second = tray(0);
-  setTray(first, 1000.0f, 1005.0f, kIntNull, 1.0f);
-  s.selectImageByPlace(1);
+TEST_F(TrayTest, UnsetCoreNumberIsAskedForNoChangesNothingYesUsesFive) {
+  const auto t = run(2, 1000.0f, 1005.0f, kIntNull, 2.5f);
   host::queueAnswer(false);
   EXPECT_EQ(s.carryDepthsForward(table.get()), 1);
   EXPECT_EQ(host::recordedQuestions(), std::vector<std::string>{"#Cores not set, use 5?"});
-  EXPECT_EQ(first->intValue(kIntCoreNumber), kIntNull);
-  EXPECT_TRUE(isNull(second->realValue(kRealTop)));
+  EXPECT_EQ(t[0]->intValue(kIntCoreNumber), kIntNull);
+  EXPECT_TRUE(isNull(t[1]->realValue(kRealTop)));
   EXPECT_EQ(s.selectionDepth(), 0);
-}
 
-TEST_F(TrayTest, UnsetCoreNumberAnsweredYesUsesFiveFromTheStartingTray) {
-  CoreImage* first = tray(0);
-  CoreImage* second = tray(0);
-  setTray(first, 1000.0f, 1005.0f, 0, 2.5f);
-  s.selectImageByPlace(1);
+  host::clearRecorded();
+  t[0]->intSetting(kIntCoreNumber).V = 0;  // zero counts as unset too
   host::queueAnswer(true);
   ASSERT_EQ(s.carryDepthsForward(table.get()), 0);
   EXPECT_EQ(host::recordedQuestions(), std::vector<std::string>{"#Cores not set, use 5?"});
-  EXPECT_EQ(first->intValue(kIntCoreNumber), 5);
+  EXPECT_EQ(t[0]->intValue(kIntCoreNumber), 5);
   EXPECT_EQ(cell(1, kColCoreNumber), 5.0f);
-  EXPECT_EQ(first->realValue(kRealCoreLength), 1.0f);  // 5 m over 5 cores
-  EXPECT_EQ(row(first, 2, true), 1001.0f);
-  EXPECT_EQ(second->realValue(kRealBase), 1010.0f);
+  EXPECT_EQ(t[0]->realValue(kRealCoreLength), 1.0f);  // 5 m over 5 cores
+  EXPECT_EQ(row(t[0], 2, true), 1001.0f);
+  EXPECT_EQ(t[1]->realValue(kRealBase), 1010.0f);
 }
 
 TEST_F(TrayTest, TwelveCoresFillTheSettingsAfterRowTen) {
-  CoreImage* first = tray(0);
-  CoreImage* second = tray(0);
-  setTray(first, 1000.0f, 1012.0f, 12, 1.0f);
-  first->realSetting(kRealDepthShift).V = 0.5f;
-  s.selectImageByPlace(1);
+  const auto t = run(2, 1000.0f, 1012.0f, 12, 1.0f);
+  t[0]->realSetting(kRealDepthShift).V = 0.5f;
   ASSERT_EQ(s.carryDepthsForward(table.get()), 0);
+  CoreImage* second = t[1];
   // trunc(11.99 / 1) + 1 = 12 -> 11 -> 12 (the number of cores).
   EXPECT_EQ(second->intValue(kIntCoreNumber), 12);
   EXPECT_EQ(row(second, 10, true), 1021.0f);
@@ -361,9 +356,7 @@ TEST_F(TrayTest, TwelveCoresFillTheSettingsAfterRowTen) {
 TEST_F(TrayTest, LastRowIsClippedToTheTrayBase) {
   // 10.0 to 10.7 in two cores: in 32-bit reals the core length is 0.3499999
   // and the second row would end at 10.70000076, past the base 10.6999998.
-  CoreImage* first = tray(0);
-  setTray(first, 10.0f, 10.7f, 2, kRealNull);
-  s.selectImageByPlace(1);
+  CoreImage* first = run(1, 10.0f, 10.7f, 2, kRealNull)[0];
   ASSERT_EQ(s.carryDepthsForward(table.get()), 0);
   const float coreLength = (10.7f - 10.0f) / 2.0f;
   EXPECT_EQ(first->intValue(kIntCoreNumber), 2);
@@ -385,17 +378,6 @@ TEST_F(TrayTest, DepthsInFileNamesWinInTheTable) {
   EXPECT_FLOAT_EQ(cell(2, kColLength), 5.0f);
   EXPECT_EQ(cell(3, kColTop), 1010.0f);  // no depths in the name: as carried
   EXPECT_EQ(third->realValue(kRealBase), 1015.0f);
-}
-
-TEST_F(TrayTest, StartWithoutDepthsDoesNothing) {
-  CoreImage* first = tray(0);
-  CoreImage* second = tray(0);
-  setTray(first, 1000.0f, kRealNull, 5, 1.0f);
-  s.selectImageByPlace(1);
-  EXPECT_EQ(s.carryDepthsForward(table.get()), 1);
-  EXPECT_TRUE(isNull(second->realValue(kRealTop)));
-  EXPECT_FALSE(s.redrawRequested());
-  EXPECT_TRUE(host::recordedMessages().empty());
 }
 
 TEST_F(TrayTest, ExportRunsOnTheProcessSession) {

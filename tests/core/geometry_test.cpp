@@ -69,18 +69,16 @@ TEST_F(ViewTest, ViewNumbersOutsideOneToTenAreTheIdentity) {
   }
 }
 
-TEST_F(ViewTest, WorldPointAgainstTheVisiblePart) {
+// 1 inside, 2 on the border (level with it counts, however far away), 0 outside.
+TEST_F(ViewTest, WorldAndPixelPointsAgainstTheVisiblePart) {
   EXPECT_EQ(pointInWindow(s, 400.0f, 50.0f), 1);
   EXPECT_EQ(pointInWindow(s, 200.0f, 50.0f), 2);
   EXPECT_EQ(pointInWindow(s, 600.0f, 50.0f), 2);
   EXPECT_EQ(pointInWindow(s, 400.0f, 75.0f), 2);
-  // Level with the left border but far below the window: still "on the border".
   EXPECT_EQ(pointInWindow(s, 200.0f, 1000.0f), 2);
   EXPECT_EQ(pointInWindow(s, 199.99f, 50.0f), 0);
   EXPECT_EQ(pointInWindow(s, 400.0f, 75.01f), 0);
-}
 
-TEST_F(ViewTest, PixelPointAgainstTheVisiblePart) {
   EXPECT_EQ(pixelInWindow(s, 200, 100), 1);
   EXPECT_EQ(pixelInWindow(s, 100, 9999), 2);
   EXPECT_EQ(pixelInWindow(s, -5, 150), 2);
@@ -168,27 +166,26 @@ class OutlineTest : public ViewTest {
   }
 };
 
-TEST_F(OutlineTest, AVisibleOutlineClosesOnItsFirstVertex) {
-  CoreRectangle* r = outline({10, 40, 40, 10}, {20, 20, 60, 60});
-  const std::vector<WindowPoint> p = outlineToWindow(s, *r);
-  EXPECT_EQ(xs(p), (std::vector<float>{10, 40, 40, 10, 10}));
-  EXPECT_EQ(ys(p), (std::vector<float>{20, 20, 60, 60, 20}));
-}
-
-TEST_F(OutlineTest, AnOutlineLeavingTheViewIsCutAtItsBorder) {
-  CoreRectangle* r = outline({50, 150, 150, 50}, {20, 20, 80, 80});
-  const std::vector<WindowPoint> p = outlineToWindow(s, *r);
-  EXPECT_EQ(xs(p), (std::vector<float>{50, 100, 100, 50, 50}));
-  EXPECT_EQ(ys(p), (std::vector<float>{20, 20, 80, 80, 20}));
-}
-
-TEST_F(OutlineTest, AnOutlineStartingOutsideIsNotClosed) {
-  CoreRectangle* r = outline({150, 50, 50, 150}, {20, 20, 80, 80});
-  const std::vector<WindowPoint> p = outlineToWindow(s, *r);
-  // Edge 1 enters at x = 100; edge 2 is visible; edge 3 leaves at x = 100;
-  // edge 4 lies beyond the view; the first vertex is not visible.
-  EXPECT_EQ(xs(p), (std::vector<float>{100, 50, 50, 100}));
-  EXPECT_EQ(ys(p), (std::vector<float>{20, 20, 80, 80}));
+TEST_F(OutlineTest, OutlinesInWindowCoordinates) {
+  const struct {
+    const char* what;
+    std::vector<int> px, py;
+    std::vector<float> x, y;
+  } cases[] = {
+      {"visible: closed on its first vertex", {10, 40, 40, 10}, {20, 20, 60, 60}, {10, 40, 40, 10, 10},
+       {20, 20, 60, 60, 20}},
+      {"leaving the view: cut at its border", {50, 150, 150, 50}, {20, 20, 80, 80}, {50, 100, 100, 50, 50},
+       {20, 20, 80, 80, 20}},
+      // Edge 1 enters at x = 100; edge 2 is visible; edge 3 leaves at x = 100;
+      // edge 4 lies beyond the view; the first vertex is not visible.
+      {"starting outside: not closed", {150, 50, 50, 150}, {20, 20, 80, 80}, {100, 50, 50, 100}, {20, 20, 80, 80}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    const std::vector<WindowPoint> p = outlineToWindow(s, *outline(c.px, c.py));
+    EXPECT_EQ(xs(p), c.x);
+    EXPECT_EQ(ys(p), c.y);
+  }
 }
 
 TEST_F(OutlineTest, PointWithinOutlines) {

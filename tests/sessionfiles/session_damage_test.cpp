@@ -96,6 +96,7 @@ TEST_F(SessionDamageTest, CorruptRecordsAreNamedWithTheirLine) {
   const int reals = lineOf("real scalars");
   const int polies = lineOf("polies");
   const int view = lineOf("view,");
+  const int verts = lineOf("verts");
   struct Case {
     int line;
     std::string text;
@@ -118,19 +119,15 @@ TEST_F(SessionDamageTest, CorruptRecordsAreNamedWithTheirLine) {
       {view, "view,1,0,1,0,1,1,1,1,0,wide,1", "\"view\" needs a number in field 11, found \"wide\""},
       {view, "image file,x.jpg", "\"image file\" found where \"real scalars\" was expected"},
       {view, "mystery,9", "\"mystery\" is neither a scalar nor a view of the image"},
+      {verts, "verts,4,0,0,,,1,1", "\"verts\" gives 4 vertices, which take 18 fields, but the record has 8"},
+      {verts, "verts,1,0,x,,", "\"verts\" needs a whole number in field 4, found \"x\""},
+      {verts, "verts,1,0,0,1.5,left", "\"verts\" needs a number in field 6, found \"left\""},
+      {verts, "verts,-4", "\"verts\" gives -4, which is not between 0 and 10000"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
     expectRefused(withLine(c.line, c.text), c.line, c.what);
   }
-}
-
-TEST_F(SessionDamageTest, VertsWithTooFewNumbersOrTextAreRefused) {
-  const int verts = lineOf("verts");
-  expectRefused(withLine(verts, "verts,4,0,0,,,1,1"), verts, "\"verts\" gives 4 vertices, which take 18 fields, but the record has 8");
-  expectRefused(withLine(verts, "verts,1,0,x,,"), verts, "\"verts\" needs a whole number in field 4, found \"x\"");
-  expectRefused(withLine(verts, "verts,1,0,0,1.5,left"), verts, "\"verts\" needs a number in field 6, found \"left\"");
-  expectRefused(withLine(verts, "verts,-4"), verts, "\"verts\" gives -4, which is not between 0 and 10000");
 }
 
 TEST_F(SessionDamageTest, RecordsAfterTheLastImageAreRefused) {

@@ -311,28 +311,20 @@ INSTANTIATE_TEST_SUITE_P(Versions, OldVersionTest,
                                            OldFile{"v211aPadded", "2.11a   ", true, true}),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST_F(OldFileTest, ReportOptionInAVersionTwoPointOneFileIsAnError) {
-  const std::string path = dir.write("old.slbs", head("2.1", true, true) + image());
-  CoreSession session;
-  SessionOptions options;
-  EXPECT_FALSE(readSession(session, options, path));
-  EXPECT_EQ(lastMessage(), path + ", line 8: \"image num\" expected, found \"report_ip\"");
-}
-
-TEST_F(OldFileTest, MissingReportOptionInAVersionTwoPointElevenFileIsAnError) {
-  const std::string path = dir.write("old.slbs", head("2.11", true, false) + image());
-  CoreSession session;
-  SessionOptions options;
-  EXPECT_FALSE(readSession(session, options, path));
-  EXPECT_EQ(lastMessage(), path + ", line 8: \"report_ip\" expected, found \"image num\"");
-}
-
-TEST_F(OldFileTest, ReportRecordsInAnOlderFileAreAnError) {
-  const std::string path = dir.write("old.slbs", head("2.0", true, false) + image());
-  CoreSession session;
-  SessionOptions options;
-  EXPECT_FALSE(readSession(session, options, path));
-  EXPECT_EQ(lastMessage(), path + ", line 6: \"image num\" expected, found \"do_report\"");
+TEST_F(OldFileTest, ReportRecordsNotOfTheVersionAreErrors) {
+  const struct { const char* version; bool report, reportOption; const char* what; } cases[] = {
+      {"2.1", true, true, "line 8: \"image num\" expected, found \"report_ip\""},
+      {"2.11", true, false, "line 8: \"report_ip\" expected, found \"image num\""},
+      {"2.0", true, false, "line 6: \"image num\" expected, found \"do_report\""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.version);
+    const std::string path = dir.write("old.slbs", head(c.version, c.report, c.reportOption) + image());
+    CoreSession session;
+    SessionOptions options;
+    EXPECT_FALSE(readSession(session, options, path));
+    EXPECT_EQ(lastMessage(), path + ", " + c.what);
+  }
 }
 
 // ---------------------------------------------------------------------------

@@ -68,9 +68,7 @@ class SlabberCliTest : public ::testing::Test {
 
   // Three 1.5 m trays, one after another down the hole.
   void threeTrays() {
-    photo("TRAY_1234_5-1236_0.jpg");
-    photo("TRAY_1236_0-1237_5.jpg");
-    photo("TRAY_1237_5-1239_0.jpg");
+    for (const std::string& t : trays) photo(t);
   }
   const std::vector<std::string> trays = {"TRAY_1234_5-1236_0.jpg", "TRAY_1236_0-1237_5.jpg",
                                           "TRAY_1237_5-1239_0.jpg"};
@@ -143,11 +141,8 @@ TEST_F(SlabberCliTest, NewSessionSurvivesARoundTripFieldForField) {
   // Photographs beside the session are kept by their names alone.
   EXPECT_NE(TempDir::read(dir.file("s.slbs")).find("image file,TRAY_1234_5-1236_0.jpg\n"), std::string::npos);
 
+  // Saved again, the file is the same byte for byte (so it reads back the same).
   ASSERT_TRUE(saveSession(session, options, dir.file("again.slbs")));
-  CoreSession again;
-  SessionOptions againOptions;
-  ASSERT_TRUE(readSession(again, againOptions, dir.file("again.slbs")));
-  expectSameSession(session, again);
   EXPECT_EQ(TempDir::read(dir.file("s.slbs")), TempDir::read(dir.file("again.slbs")));
 }
 
@@ -227,21 +222,7 @@ TEST_F(SlabberCliTest, ExistingSessionIsReplacedOnlyWhenForced) {
   EXPECT_NE(TempDir::read(dir.file("s.slbs")), before);
 }
 
-TEST_F(SlabberCliTest, DepthsCommandCarriesFromTheChosenImageAndSaves) {
-  threeTrays();
-  ASSERT_EQ(slabber(newArgs({"--rows", "5", "--depths-from-names"})).status, 0);
-  const Outcome r = slabber({"depths", "s.slbs", "--from", "2", "--top", "2000", "--base", "2001.5"});
-  ASSERT_EQ(r.status, 0) << r.err;
-  const Outcome shown = slabber({"show", "s.slbs", "--rows"});
-  EXPECT_EQ(words(imageLine(shown.out, 1))[3], "1234.50");  // before the run: untouched
-  EXPECT_EQ(words(imageLine(shown.out, 2))[3], "2000.00");
-  EXPECT_EQ(words(imageLine(shown.out, 2))[4], "2001.50");
-  EXPECT_EQ(words(imageLine(shown.out, 3))[3], "2001.50");
-  EXPECT_EQ(words(imageLine(shown.out, 3))[4], "2003.00");
-  EXPECT_NE(shown.out.find("row  1: 2000.00 - 2000.30\n"), std::string::npos) << shown.out;
-}
-
-TEST_F(SlabberCliTest, DepthsCommandRefusesWithoutTouchingTheFile) {
+TEST_F(SlabberCliTest, DepthsCommandRefusesWithoutTouchingTheFileElseCarriesAndSaves) {
   threeTrays();
   ASSERT_EQ(slabber(newArgs({"--rows", "5", "--depths-from-names"})).status, 0);
   const std::string before = TempDir::read(dir.file("s.slbs"));
@@ -256,6 +237,16 @@ TEST_F(SlabberCliTest, DepthsCommandRefusesWithoutTouchingTheFile) {
   r = slabber({"depths", "s.slbs", "--from", "1", "--top", "deep", "--base", "2"});
   EXPECT_EQ(r.status, 2);
   EXPECT_EQ(TempDir::read(dir.file("s.slbs")), before);
+
+  r = slabber({"depths", "s.slbs", "--from", "2", "--top", "2000", "--base", "2001.5"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  const Outcome shown = slabber({"show", "s.slbs", "--rows"});
+  EXPECT_EQ(words(imageLine(shown.out, 1))[3], "1234.50");  // before the run: untouched
+  EXPECT_EQ(words(imageLine(shown.out, 2))[3], "2000.00");
+  EXPECT_EQ(words(imageLine(shown.out, 2))[4], "2001.50");
+  EXPECT_EQ(words(imageLine(shown.out, 3))[3], "2001.50");
+  EXPECT_EQ(words(imageLine(shown.out, 3))[4], "2003.00");
+  EXPECT_NE(shown.out.find("row  1: 2000.00 - 2000.30\n"), std::string::npos) << shown.out;
 }
 
 TEST_F(SlabberCliTest, DamagedSessionIsReportedWithItsLine) {
