@@ -113,48 +113,57 @@ TEST_F(ShippedUnits, HoldsTheUnitsOtherSubsystemsName) {
     EXPECT_GE(reg().unitCount(reg().findSeries(series)), 2) << series;
 }
 
-// Sample values for round trips; none is zero, so reciprocal units are defined.
-const double kSamples[] = {0.37, 12.5, 1234.5, -7.25};
-
-TEST_F(ShippedUnits, EveryPairRoundTripsAndAgreesWithTheRouteThroughSI) {
+// Every pair of units of every series: values round trip and agree with the
+// route through SI; null marks (above 9.0e20 in magnitude) pass bit for bit;
+// the direct reciprocal rule is only taken for units that are each other's inverse.
+TEST_F(ShippedUnits, EveryPairOfUnits) {
+  const double samples[] = {0.37, 12.5, 1234.5, -7.25};  // none zero, so reciprocal units are defined
+  const double marks[] = {kDoubleNull, 1.0e21, -1.0e30, std::nextafter(double(9.0e20f), 1e30)};
   for (int iser = 0; iser <= reg().lastSeries(); ++iser) {
     const int si = reg().defaultUnit(iser, static_cast<int>(UnitSystem::SI));
     for (int a = 1; a <= reg().unitCount(iser); ++a) {
+      const UnitDefinition& ua = reg().units()[static_cast<std::size_t>(reg().unitId(iser, a) - 1)];
       for (int b = 1; b <= reg().unitCount(iser); ++b) {
-        for (double x : kSamples) {
-          SCOPED_TRACE(reg().seriesName(iser) + ": " + reg().unitName(iser, a) + " -> " + reg().unitName(iser, b));
+        SCOPED_TRACE(reg().seriesName(iser) + ": " + reg().unitName(iser, a) + " -> " + reg().unitName(iser, b));
+        for (double x : samples) {
           int e1 = 0, e2 = 0, e3 = 0, e4 = 0;
           const double y = reg().convert(x, iser, a, b, e1);
-          EXPECT_TRUE(closeTo(reg().convert(y, iser, b, a, e2), x, 1e-11));
-          EXPECT_TRUE(closeTo(reg().convert(reg().convert(x, iser, a, si, e3), iser, si, b, e4), y, 1e-11));
+          EXPECT_TRUE(closeTo(reg().convert(y, iser, b, a, e2), x, 1e-11)) << x;
+          EXPECT_TRUE(closeTo(reg().convert(reg().convert(x, iser, a, si, e3), iser, si, b, e4), y, 1e-11)) << x;
           EXPECT_EQ(e1 | e2 | e3 | e4, 0);
         }
+        int err = 99;
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(reg().convert(kRealNull, iser, a, b, err)),
+                  std::bit_cast<std::uint32_t>(kRealNull));
+        std::vector<double> v(std::begin(marks), std::end(marks));
+        reg().convert(v.data(), v.size(), iser, a, b, err);
+        EXPECT_EQ(0, std::memcmp(v.data(), marks, sizeof marks));
+        EXPECT_EQ(err, 0);
+        if (!reg().linearCoefficients(iser, a, b, err).reciprocal || err != 0) continue;
+        const UnitDefinition& ub = reg().units()[static_cast<std::size_t>(reg().unitId(iser, b) - 1)];
+        EXPECT_TRUE(closeTo(ua.c1 * ub.c1, 1.0));
       }
     }
   }
+  // The limit of the marks itself is an ordinary value.
+  const int depth = reg().findSeries("depth");
+  int err = 99;
+  EXPECT_TRUE(closeTo(reg().convert(double(9.0e20f), depth, reg().findUnit(depth, "ft"), reg().findUnit(depth, "m"), err),
+                      double(9.0e20f) * kFoot));
 }
 
 TEST_F(ShippedUnits, DataKeepsTheRulesOfTheArithmetic) {
   for (int iser = 0; iser <= reg().lastSeries(); ++iser) {
     const UnitSeries& s = reg().series()[static_cast<std::size_t>(iser)];
     for (int system = 1; system <= 3; ++system) EXPECT_GE(reg().defaultUnit(iser, system), 1) << s.name;
+    // The steps of a unit whose id is the series' first-entry number are skipped:
+    // only an SI unit may be there.
     for (int a = 1; a <= reg().unitCount(iser); ++a) {
       const UnitDefinition& ua = reg().units()[static_cast<std::size_t>(reg().unitId(iser, a) - 1)];
-      // The steps of a unit whose id is the series' first-entry number are skipped:
-      // only an SI unit may be there.
-      if (reg().unitId(iser, a) == s.firstEntry) {
-        EXPECT_TRUE(ua.nc == 1 && ua.c1 == 1.0) << s.name << " " << ua.name;
-      }
-      // The direct reciprocal rule is only exact for units that are each other's inverse.
-      for (int b = 1; b <= reg().unitCount(iser); ++b) {
-        int err = 0;
-        if (!reg().linearCoefficients(iser, a, b, err).reciprocal || err != 0) continue;
-        const UnitDefinition& ub = reg().units()[static_cast<std::size_t>(reg().unitId(iser, b) - 1)];
-        EXPECT_TRUE(closeTo(ua.c1 * ub.c1, 1.0)) << ua.name << " and " << ub.name;
-      }
+      if (reg().unitId(iser, a) == s.firstEntry) EXPECT_TRUE(ua.nc == 1 && ua.c1 == 1.0) << s.name << " " << ua.name;
     }
   }
-  // And the rule is in use: m/s to s/m takes it, us/ft to m/s goes through SI.
+  // The reciprocal rule is in use: m/s to s/m takes it, us/ft to m/s goes through SI.
   const int slowness = reg().findSeries("slowness");
   const int ms = reg().findUnit(slowness, "m/s");
   int err = 99;
@@ -174,29 +183,6 @@ TEST_F(ShippedUnits, LookupsAndGuesses) {
   EXPECT_EQ(reg().guessSeries("m", "mi"), length);
   EXPECT_EQ(reg().guessSeries("m", "degf"), -1);
   EXPECT_GE(reg().findUnit(reg().findSeries("dimensionless"), "                "), 1);  // the blank unit
-}
-
-// Marks above 9.0e20 in magnitude pass every conversion bit for bit; the limit
-// itself is an ordinary value.
-TEST_F(ShippedUnits, NullsAreNeverConverted) {
-  const double marks[] = {kDoubleNull, 1.0e21, -1.0e30, std::nextafter(double(9.0e20f), 1e30)};
-  for (int iser = 0; iser <= reg().lastSeries(); ++iser) {
-    for (int a = 1; a <= reg().unitCount(iser); ++a) {
-      for (int b = 1; b <= reg().unitCount(iser); ++b) {
-        int err = 99;
-        EXPECT_EQ(std::bit_cast<std::uint32_t>(reg().convert(kRealNull, iser, a, b, err)),
-                  std::bit_cast<std::uint32_t>(kRealNull));
-        std::vector<double> v(std::begin(marks), std::end(marks));
-        reg().convert(v.data(), v.size(), iser, a, b, err);
-        EXPECT_EQ(0, std::memcmp(v.data(), marks, sizeof marks));
-        EXPECT_EQ(err, 0);
-      }
-    }
-  }
-  const int depth = reg().findSeries("depth");
-  int err = 99;
-  EXPECT_TRUE(closeTo(reg().convert(double(9.0e20f), depth, reg().findUnit(depth, "ft"), reg().findUnit(depth, "m"), err),
-                      double(9.0e20f) * kFoot));
 }
 
 TEST_F(ShippedUnits, AUnitToItselfIsBitForBit) {
