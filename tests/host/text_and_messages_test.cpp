@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <tuple>
 
 #include "host/guarded_math.h"
 #include "host/messages.h"
@@ -28,25 +29,21 @@ TEST(NullValues, RealAndDoubleNullsAgreeAndIntegerNullIsNotMinusOne) {
 }
 
 TEST(NumberText, FormatCodes) {
-  EXPECT_EQ(formatReal(30.48, -6), "30.48");
-  EXPECT_EQ(formatReal(100.0, -6), "100");
-  EXPECT_EQ(formatReal(1234.5678, -6), "1234.57");
-  EXPECT_EQ(formatReal(0.000123456789, -6), "0.000123457");
-  EXPECT_EQ(formatReal(15000000.0, -6), "1.5e+07");
-  EXPECT_EQ(formatReal(1234.5, 2), "1234.50");
-  EXPECT_EQ(formatReal(-0.0, -6), "0");
-  EXPECT_EQ(formatReal(kRealNull, -6), "");
+  const std::tuple<double, int, const char*> cases[] = {
+      {30.48, -6, "30.48"},         {100.0, -6, "100"},         {1234.5678, -6, "1234.57"}, {0.000123456789, -6, "0.000123457"},
+      {15000000.0, -6, "1.5e+07"}, {1234.5, 2, "1234.50"},     {-0.0, -6, "0"},            {kRealNull, -6, ""}};
+  for (const auto& [value, code, text] : cases) EXPECT_EQ(formatReal(value, code), text) << value << " code " << code;
 }
 
+// Only whole texts are numbers; surrounding blanks are allowed.
 TEST(NumberText, ParsingWholeTextsOnly) {
-  double d = 0;
+  for (auto [text, ok, expected] : {std::tuple{" 12.5 ", true, 12.5}, std::tuple{"+1e3", true, 1000.0},
+                                    std::tuple{"12.5m", false, 0.0}, std::tuple{"", false, 0.0}}) {
+    double d = 0;
+    EXPECT_EQ(parseReal(text, d), ok) << text;
+    if (ok) EXPECT_EQ(d, expected) << text;
+  }
   int i = 0;
-  EXPECT_TRUE(parseReal(" 12.5 ", d));
-  EXPECT_EQ(d, 12.5);
-  EXPECT_TRUE(parseReal("+1e3", d));
-  EXPECT_EQ(d, 1000.0);
-  EXPECT_FALSE(parseReal("12.5m", d));
-  EXPECT_FALSE(parseReal("", d));
   EXPECT_FALSE(parseInteger("1.5", i));
   EXPECT_TRUE(parseInteger("-42", i));
   EXPECT_EQ(i, -42);
