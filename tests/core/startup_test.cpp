@@ -18,21 +18,22 @@
 namespace subsurf {
 namespace {
 
-// Points "deflib:" somewhere for one test and puts it back afterwards.
-class DeflibOverride {
+// Sets an environment variable for one test and puts it back afterwards.
+class EnvOverride {
  public:
-  explicit DeflibOverride(const std::string& folder) {
-    if (const char* v = std::getenv("SUBSURF_DEFLIB")) old_ = v;
-    ::setenv("SUBSURF_DEFLIB", folder.c_str(), 1);
+  EnvOverride(const char* name, const std::string& value) : name_(name) {
+    if (const char* v = std::getenv(name)) old_ = v;
+    ::setenv(name, value.c_str(), 1);
   }
-  ~DeflibOverride() {
+  ~EnvOverride() {
     if (old_)
-      ::setenv("SUBSURF_DEFLIB", old_->c_str(), 1);
+      ::setenv(name_, old_->c_str(), 1);
     else
-      ::unsetenv("SUBSURF_DEFLIB");
+      ::unsetenv(name_);
   }
 
  private:
+  const char* name_;
   std::optional<std::string> old_;
 };
 
@@ -47,7 +48,7 @@ class StartupTest : public ::testing::Test {
 
 TEST_F(StartupTest, MissingDictionaryStopsTheToolWithItsMessage) {
   testing::TempDir empty;
-  DeflibOverride deflib(empty.path());
+  EnvOverride deflib("SUBSURF_DEFLIB", empty.path());
   int status = 0;
   SLABCUT_INIT(&status);
   EXPECT_EQ(status, 1);
@@ -57,7 +58,7 @@ TEST_F(StartupTest, MissingDictionaryStopsTheToolWithItsMessage) {
 TEST_F(StartupTest, UnreadableDictionaryIsNamedThenStopsTheTool) {
   testing::TempDir folder;
   folder.write("coredsdefs.dsdefs", "dsdefs,coredsdefs,test\ndataset,cor_images\ncolumn,1,Source,R\n");
-  DeflibOverride deflib(folder.path());
+  EnvOverride deflib("SUBSURF_DEFLIB", folder.path());
   CoreSession s;
   EXPECT_EQ(startSlabber(s), 1);
   const std::vector<std::string> messages = host::recordedMessages();
@@ -69,7 +70,7 @@ TEST_F(StartupTest, UnreadableDictionaryIsNamedThenStopsTheTool) {
 
 TEST_F(StartupTest, TheShippedDictionaryDescribesTheImageTable) {
   testing::TempDir userlib;  // no template library there
-  ::setenv("SUBSURF_USERLIB", userlib.path().c_str(), 1);
+  EnvOverride userlibVar("SUBSURF_USERLIB", userlib.path());
   int status = -1;
   SLABCUT_INIT(&status);
   ASSERT_EQ(status, 0);
@@ -88,7 +89,6 @@ TEST_F(StartupTest, TheShippedDictionaryDescribesTheImageTable) {
   EXPECT_EQ(part->column(30)->name, "Length");
   EXPECT_TRUE(part->column(2)->text);
   COR_CLOSE(&status);
-  ::unsetenv("SUBSURF_USERLIB");
 }
 
 TEST_F(StartupTest, TheImageTableFollowsTheImages) {
