@@ -178,7 +178,7 @@ class ConversionRules : public DefinitionsFile {
   }
 };
 
-TEST_F(ConversionRules, ScaleAndOffsetConvertDirectly) {
+TEST_F(ConversionRules, ScaleAndOffsetConvertDirectlyAndByName) {
   LinearConversion c;
   EXPECT_EQ(direct("shifted", "twice", c), 0);
   EXPECT_EQ(c.a, 1.0f);   // 2 / 2
@@ -186,6 +186,13 @@ TEST_F(ConversionRules, ScaleAndOffsetConvertDirectly) {
   int err = 99;
   EXPECT_EQ(convert(5.0, "shifted", "twice", err), 15.0);  // 2 * (5 + 10) = 2 * 15
   EXPECT_EQ(err, 0);
+  err = 99;
+  EXPECT_EQ(reg.convertByName(5.0, 0, "SHIFTED", "twice", err), 15.0);
+  EXPECT_EQ(err, 0);
+  EXPECT_EQ(reg.convertByName(5.0, 0, "twice", "   ", err), 5.0);  // a blank name: no conversion
+  EXPECT_EQ(err, 0);
+  EXPECT_EQ(reg.convertByName(5.0, 0, "thrice", "twice", err), 5.0);
+  EXPECT_EQ(err, 1);
 }
 
 TEST_F(ConversionRules, ReciprocalRuleAndItsLimits) {
@@ -238,16 +245,6 @@ TEST_F(ConversionRules, AUnitWhoseIdIsTheFirstEntryNumberIsTakenAsSI) {
   EXPECT_EQ(reg.convert(2.0, 1, 1, 2, err), 2.0);
   EXPECT_EQ(reg.convert(2.0, 2, 1, 2, err), 2000.0);
   EXPECT_EQ(err, 0);
-}
-
-TEST_F(ConversionRules, ConversionByName) {
-  int err = 99;
-  EXPECT_EQ(reg.convertByName(5.0, 0, "SHIFTED", "twice", err), 15.0);
-  EXPECT_EQ(err, 0);
-  EXPECT_EQ(reg.convertByName(5.0, 0, "twice", "   ", err), 5.0);  // a blank name: no conversion
-  EXPECT_EQ(err, 0);
-  EXPECT_EQ(reg.convertByName(5.0, 0, "thrice", "twice", err), 5.0);
-  EXPECT_EQ(err, 1);
 }
 
 }  // namespace
