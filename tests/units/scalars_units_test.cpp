@@ -44,7 +44,7 @@ class ScalarUnits : public ::testing::Test {
 
 }  // namespace
 
-TEST_F(ScalarUnits, SetVuFindsThePositionIgnoringCase) {
+TEST_F(ScalarUnits, UnitByNameIgnoringCaseAndByPosition) {
   DT_RSCA r;
   DT_RSCADFLT(&r);
   DT_RSCASETVU(&r, &depth, Unit16("FT").text);
@@ -54,9 +54,8 @@ TEST_F(ScalarUnits, SetVuFindsThePositionIgnoringCase) {
 
   DT_RSCASETVU(&r, &depth, Unit16("furlong").text);
   EXPECT_LT(r.VU.IUN, 1);
-}
 
-TEST_F(ScalarUnits, SetIunAndSetCunAgree) {
+  // The unit's position from its name and its name from its position.
   DT_UNIT u{0, depth, {}};
   setFixed(u.CU, "M");
   DT_SETIUN(&u);
