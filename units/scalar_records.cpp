@@ -197,8 +197,11 @@ void setTextValue(DT_FSCA& rec, std::string_view text, const int* state) {
   if (state) rec.SET = *state;
 }
 
-DT_RSCA makeReal(std::string_view code, int iser, std::string_view unit, float value) {
-  DT_RSCA rec;
+namespace {
+// A real record of either precision with its code, unit and value.
+template <typename Record, typename Value>
+Record makeRealRecord(std::string_view code, int iser, std::string_view unit, Value value) {
+  Record rec;
   setDefaults(rec);
   setFixed(rec.CODE, code);
   setSeriesUnit(rec, iser, unit);
@@ -206,15 +209,14 @@ DT_RSCA makeReal(std::string_view code, int iser, std::string_view unit, float v
   setDisplayText(rec);
   return rec;
 }
+}  // namespace
+
+DT_RSCA makeReal(std::string_view code, int iser, std::string_view unit, float value) {
+  return makeRealRecord<DT_RSCA>(code, iser, unit, value);
+}
 
 DT_DSCA makeDouble(std::string_view code, int iser, std::string_view unit, double value) {
-  DT_DSCA rec;
-  setDefaults(rec);
-  setFixed(rec.CODE, code);
-  setSeriesUnit(rec, iser, unit);
-  rec.V = value;
-  setDisplayText(rec);
-  return rec;
+  return makeRealRecord<DT_DSCA>(code, iser, unit, value);
 }
 
 DT_ISCA makeInteger(std::string_view key, int value, int vmin, int vmax) {

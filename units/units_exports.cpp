@@ -105,6 +105,27 @@ void convertInSeries(const char* seriesName, T* value, const char* from, const c
       [&] { set(err, 1); });
 }
 
+// One value converted by position, single or double precision: a missing value
+// or any failure inside gives err 1 and the value back unchanged.
+template <typename T>
+T convertOne(const T* value, const int* iser, const int* from, const int* to, int* err) {
+  if (!value) {
+    set(err, 1);
+    return T(0);
+  }
+  return guarded(
+      [&] {
+        int e = 0;
+        const T y = unitsRegistry().convert(*value, in(iser, -1), in(from), in(to), e);
+        set(err, e);
+        return y;
+      },
+      [&] {
+        set(err, 1);
+        return *value;
+      });
+}
+
 }  // namespace
 
 extern "C" {
@@ -186,39 +207,11 @@ void X_SICF(const int* iser, const int* from, const int* to, float* a, float* b,
 }
 
 float X_SICONV(const float* value, const int* iser, const int* from, const int* to, int* err) {
-  if (!value) {
-    set(err, 1);
-    return 0.0f;
-  }
-  return guarded(
-      [&] {
-        int e = 0;
-        const float y = unitsRegistry().convert(*value, in(iser, -1), in(from), in(to), e);
-        set(err, e);
-        return y;
-      },
-      [&] {
-        set(err, 1);
-        return *value;
-      });
+  return convertOne(value, iser, from, to, err);
 }
 
 double X_SICONVD(const double* value, const int* iser, const int* from, const int* to, int* err) {
-  if (!value) {
-    set(err, 1);
-    return 0.0;
-  }
-  return guarded(
-      [&] {
-        int e = 0;
-        const double y = unitsRegistry().convert(*value, in(iser, -1), in(from), in(to), e);
-        set(err, e);
-        return y;
-      },
-      [&] {
-        set(err, 1);
-        return *value;
-      });
+  return convertOne(value, iser, from, to, err);
 }
 
 void X_SICONVE(float* value, const int* iser, const int* from, const int* to, int* err) {
