@@ -166,7 +166,11 @@ int runNew(const NewOptions& o) {
     }
   }
 
-  if (!saveSession(session, SessionOptions{}, path)) return kExitBadInput;
+  // The table of clipping depths is half of what a split is for, so a new
+  // session asks for it (written beside the row images unless named).
+  SessionOptions options;
+  options.doReport = 1;
+  if (!saveSession(session, options, path)) return kExitBadInput;
 
   int withoutDepths = 0, rows = 0;
   for (CoreImage* image : session.images()) {
