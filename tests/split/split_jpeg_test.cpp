@@ -2,9 +2,6 @@
 // one pass: the rows, the outcomes and the messages must be those of the
 // general way (decode the whole photograph, then cut), including rows that
 // reach past the photograph, rows that miss it and files that cannot be written.
-#include <sys/resource.h>
-
-#include <csignal>
 
 #include <gtest/gtest.h>
 
@@ -95,15 +92,12 @@ TEST_F(SplitJpeg, FullDiskFailsTheRowsThatDoNotFitAndLeavesNoPartialFile) {
   // As on a disk that fills up: files may not grow beyond 10000 bytes, so the
   // 300 x 40 rows (36054 bytes) fail and a 10 x 10 row (374 bytes) fits.
   setBoxes(session, *image, {{0, 0, 300, 40}, {0, 40, 10, 50}, {0, 80, 300, 120}});
-  const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-  rlimit saved{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
-  rlimit small = saved;
-  small.rlim_cur = 10000;
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  const PhotoOutcome o = run();
-  setrlimit(RLIMIT_FSIZE, &saved);
-  std::signal(SIGXFSZ, previous);
+  PhotoOutcome o;
+  {
+    FileSizeLimit limit(10000);
+    ASSERT_TRUE(limit.active());
+    o = run();
+  }
 
   EXPECT_EQ(o.rows[0].result, RowResult::CutFailed);
   EXPECT_EQ(o.rows[1].result, RowResult::Written);

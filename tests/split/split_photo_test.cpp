@@ -1,9 +1,6 @@
 // Cutting one photograph: file names, report lines and the pixels of every row
 // image, in every orientation, with shortening and scaling, and each way a
 // photograph or row can fail.
-#include <sys/resource.h>
-
-#include <csignal>
 
 #include <gtest/gtest.h>
 
@@ -385,15 +382,12 @@ TEST_F(SplitFailure, FullDiskLeavesNoPartialFile) {
   // disk that fills up: the 300 x 40 rows (36054 bytes) fail, a 10 x 10 row
   // (374 bytes) fits.
   setBoxes(session, *image, {{0, 0, 300, 40}, {0, 40, 10, 50}, {0, 80, 300, 120}});
-  const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-  rlimit saved{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
-  rlimit small = saved;
-  small.rlim_cur = 10000;
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  const PhotoOutcome o = run();
-  setrlimit(RLIMIT_FSIZE, &saved);
-  std::signal(SIGXFSZ, previous);
+  PhotoOutcome o;
+  {
+    FileSizeLimit limit(10000);
+    ASSERT_TRUE(limit.active());
+    o = run();
+  }
 
   EXPECT_EQ(o.rows[0].result, RowResult::CutFailed);
   EXPECT_EQ(o.rows[1].result, RowResult::Written);

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -124,6 +127,31 @@ class SplitTest : public ::testing::Test {
   CoreSession session;
   SplitOptions options;
   std::string out;
+};
+
+// While it lives, files may grow to at most `bytes`, as on a disk that fills
+// up: a write past the limit fails (EFBIG) instead of stopping the process.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    previousHandler_ = std::signal(SIGXFSZ, SIG_IGN);
+    active_ = getrlimit(RLIMIT_FSIZE, &saved_) == 0;
+    rlimit small = saved_;
+    small.rlim_cur = bytes;
+    active_ = active_ && setrlimit(RLIMIT_FSIZE, &small) == 0;
+  }
+  ~FileSizeLimit() {
+    if (active_) setrlimit(RLIMIT_FSIZE, &saved_);
+    std::signal(SIGXFSZ, previousHandler_);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+  bool active() const { return active_; }
+
+ private:
+  rlimit saved_{};
+  bool active_ = false;
+  void (*previousHandler_)(int) = nullptr;
 };
 
 }  // namespace subsurf::split::testing
