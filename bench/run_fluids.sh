@@ -3,10 +3,10 @@
 # written with NumPy, measured in the same run, and the ratio of their rates.
 # Both figures are process CPU time (the machine may be shared).
 #
-#   bench/run_fluids.sh            builds into build-rel (BUILD_DIR to change)
+#   bench/run_fluids.sh            builds into build/release (BUILD_DIR to change)
 set -euo pipefail
 cd "$(dirname "$0")/.."
-build="${BUILD_DIR:-build-rel}"
+build="${BUILD_DIR:-build/release}"
 
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DSUBSURF_BUILD_BENCH=ON >/dev/null
 cmake --build "$build" --target fluids_bench -j"${JOBS:-2}" >/dev/null
