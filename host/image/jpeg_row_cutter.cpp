@@ -65,6 +65,7 @@ struct JpegRowCutter::Decoder {
   std::vector<std::unique_ptr<AtomicOutput>> outputs;
   std::vector<std::uint8_t> strip;
   std::vector<std::uint8_t> block;
+  std::vector<JSAMPROW> rowPointers;  // into strip, one a scanline
 
   ~Decoder() {
     if (created) jpeg_destroy_decompress(&info);
@@ -192,8 +193,8 @@ bool JpegRowCutter::cutToBmp(const std::vector<JpegRowCut>& cuts, std::vector<St
   // Strips of about a megabyte: few enough writes, small beside anything else.
   const int stripRows = static_cast<int>(std::clamp<std::size_t>((1u << 20) / stripStride, 8, 256));
   d->strip.resize(stripStride * stripRows);
-  std::vector<JSAMPROW> rowPointers(stripRows);
-  for (int i = 0; i < stripRows; ++i) rowPointers[i] = d->strip.data() + stripStride * i;
+  d->rowPointers.resize(stripRows);
+  for (int i = 0; i < stripRows; ++i) d->rowPointers[i] = d->strip.data() + stripStride * i;
 
   while (static_cast<int>(info.output_scanline) < height) {
     const int y = static_cast<int>(info.output_scanline);
@@ -217,7 +218,7 @@ bool JpegRowCutter::cutToBmp(const std::vector<JpegRowCut>& cuts, std::vector<St
     }
     for (int done = 0; done < count;) {
       done += static_cast<int>(
-          jpeg_read_scanlines(&info, rowPointers.data() + done, static_cast<JDIMENSION>(count - done)));
+          jpeg_read_scanlines(&info, d->rowPointers.data() + done, static_cast<JDIMENSION>(count - done)));
     }
 
     for (std::size_t i = 0; i < cuts.size(); ++i) {
