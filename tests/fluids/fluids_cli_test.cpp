@@ -7,9 +7,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
 
 #include "fluids/fluid_test_support.h"
+#include "support/run_program.h"
 #include "support/temp_dir.h"
 
 namespace subsurf::fluids {
@@ -18,35 +18,16 @@ namespace {
 using testing::kChainRel;
 using testing::nearRel;
 
-struct Outcome {
-  int status;
-  std::string out, err;
-};
+using Outcome = subsurf::testing::CommandRun;
 
-std::string program() {
-  const char* dir = std::getenv("SUBSURF_CLI_DIR");
-  std::string d = dir ? dir : SUBSURF_CLI_DIR;
-  return d + "/subsurf";
-}
+std::string program() { return subsurf::testing::builtProgram("subsurf"); }
 
 class FluidsCommand : public ::testing::Test {
  protected:
   void SetUp() override {
     if (!std::filesystem::exists(program())) GTEST_SKIP() << "the subsurf program is not built";
   }
-  Outcome run(const std::string& args) {
-    const std::string errFile = tmp.file("stderr.txt");
-    const std::string cmd = program() + " fluids " + args + " 2>" + errFile;
-    Outcome r;
-    FILE* p = ::popen(cmd.c_str(), "r");
-    char buf[4096];
-    std::size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) r.out.append(buf, n);
-    const int raw = ::pclose(p);
-    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    r.err = subsurf::testing::TempDir::read(errFile);
-    return r;
-  }
+  Outcome run(const std::string& args) { return subsurf::testing::runCommand(program() + " fluids " + args); }
   subsurf::testing::TempDir tmp;
 };
 

@@ -3,8 +3,6 @@
 // status and the session files it leaves.
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
@@ -14,6 +12,7 @@
 #include "host/image/image_writer.h"
 #include "host/image/raster.h"
 #include "session_test_support.h"
+#include "support/run_program.h"
 
 namespace subsurf {
 namespace {
@@ -21,10 +20,7 @@ namespace {
 using namespace testing;
 namespace fs = std::filesystem;
 
-struct Outcome {
-  int status = -1;
-  std::string out, err;
-};
+using Outcome = subsurf::testing::CommandRun;
 
 std::string quoted(const std::string& s) {
   std::string q = "'";
@@ -35,8 +31,7 @@ std::string quoted(const std::string& s) {
 class SlabberCliTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    const char* env = std::getenv("SUBSURF_CLI_DIR");
-    program = fs::path(env && *env ? env : SUBSURF_CLI_DIR) / "slabber";
+    program = subsurf::testing::builtProgram("slabber");
     ASSERT_TRUE(fs::exists(program)) << program << " has not been built";
   }
 
@@ -46,15 +41,7 @@ class SlabberCliTest : public ::testing::Test {
     std::string command = "cd " + quoted(dir.path()) + " && SUBSURF_USERLIB=" + quoted(dir.file("userlib")) + " " +
                           quoted(program.string());
     for (const std::string& a : args) command += " " + quoted(a);
-    command += " >" + quoted(dir.file(".out")) + " 2>" + quoted(dir.file(".err"));
-    const int rc = std::system(command.c_str());
-    Outcome r;
-    r.status = WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
-    r.out = TempDir::read(dir.file(".out"));
-    r.err = TempDir::read(dir.file(".err"));
-    fs::remove(dir.file(".out"));
-    fs::remove(dir.file(".err"));
-    return r;
+    return subsurf::testing::runCommand(command);
   }
 
   // A grey JPEG of the given size.

@@ -1,28 +1,21 @@
 // `slabber split` and `slabber preview`, run as a user runs them, on a session
 // file of small pattern photographs. Needs the slabber program built in the
 // same build tree; the tests are skipped when it is not there.
-#include <sys/wait.h>
-
 #include <cstdlib>
 
 #include <gtest/gtest.h>
 
 #include "core/session_files.h"
 #include "split/split_test_support.h"
+#include "support/run_program.h"
 #include "support/temp_dir.h"
 
 namespace subsurf::split::testing {
 namespace {
 
-struct CommandRun {
-  int status = -1;
-  std::string out, err;
-};
+using subsurf::testing::CommandRun;
 
-std::string program() {
-  const char* dir = std::getenv("SUBSURF_CLI_DIR");
-  return std::string(dir ? dir : SUBSURF_CLI_DIR) + "/slabber";
-}
+std::string program() { return subsurf::testing::builtProgram("slabber"); }
 
 class SlabberCommand : public SplitTest {
  protected:
@@ -39,18 +32,7 @@ class SlabberCommand : public SplitTest {
   }
   void save() { ASSERT_TRUE(saveSession(session, sessionOptions, sessionFile)); }
 
-  CommandRun run(const std::string& args) {
-    const std::string o = dir.file("stdout"), e = dir.file("stderr");
-    const std::string command = program() + " " + args + " >" + o + " 2>" + e + " </dev/null";
-    CommandRun r;
-    const int raw = std::system(command.c_str());
-    r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    r.out = subsurf::testing::TempDir::read(o);
-    r.err = subsurf::testing::TempDir::read(e);
-    fs::remove(o);
-    fs::remove(e);
-    return r;
-  }
+  CommandRun run(const std::string& args) { return subsurf::testing::runCommand(program() + " " + args); }
   // The row image names of tray i (from 1), worked out from the layout:
   // rows of 1 m from 1000 + 5 (i - 1).
   std::vector<std::string> trayNames(int i, const std::string& suffix = ".bmp") {

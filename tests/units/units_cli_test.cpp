@@ -1,7 +1,5 @@
 // `subsurf units`, run as a user runs it. Needs the subsurf program built in the
 // same build tree; the tests are skipped when it is not there.
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -9,31 +7,16 @@
 
 #include <gtest/gtest.h>
 
+#include "support/run_program.h"
 #include "support/temp_dir.h"
 
 namespace {
 
-struct CommandRun {
-  int status = -1;
-  std::string out, err;
-};
+using subsurf::testing::CommandRun;
 
-std::string program() {
-  const char* dir = std::getenv("SUBSURF_CLI_DIR");
-  return std::string(dir ? dir : SUBSURF_CLI_DIR) + "/subsurf";
-}
+std::string program() { return subsurf::testing::builtProgram("subsurf"); }
 
-CommandRun run(const std::string& args) {
-  subsurf::testing::TempDir dir;
-  const std::string out = dir.file("out"), err = dir.file("err");
-  const std::string command = program() + " " + args + " >" + out + " 2>" + err;
-  CommandRun r;
-  const int raw = std::system(command.c_str());
-  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-  r.out = subsurf::testing::TempDir::read(out);
-  r.err = subsurf::testing::TempDir::read(err);
-  return r;
-}
+CommandRun run(const std::string& args) { return subsurf::testing::runCommand(program() + " " + args); }
 
 class UnitsCommand : public ::testing::Test {
  protected:
