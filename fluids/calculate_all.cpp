@@ -30,6 +30,7 @@ void store(FluidTable& t, Entry e, float value) {
   t.set(e, t.fixedUnit(e), value, kStateCalculated);
 }
 
+SUBSURF_FMA_CLONES
 float formCompressibility(float solgor, float sgden, float oden, float tR, float pres, float pb) {
   return kernels::formCompressibility(solgor, sgden, oden, tR, pres, pb);
 }

@@ -44,7 +44,7 @@ SUBSURF_FLUIDS_INLINE float viscosity(float g, float z, float t, float p) {
   const bool ok = (g > 0.0f) & (z > 0.0f) & (t > 0.0f) & (p > 0.0f);
   const float m = 29.0f * g;
   const float rho = p * m / (z * t * 669.8f);
-  const float k = (9.4f + 0.02f * m) * fmath::pow(t, 1.5f) / ((209.0f + 19.0f * m + t) * 10000.0f);
+  const float k = (9.4f + 0.02f * m) * fmath::threeHalvesPower(t) / ((209.0f + 19.0f * m + t) * 10000.0f);
   const float x = 3.5f + 986.0f / t + 0.01f * m;
   const float y = 2.4f - 0.2f * x;
   const float mu = k * fmath::exp(x * fmath::pow(rho, y));
@@ -210,7 +210,7 @@ SUBSURF_FLUIDS_INLINE float formationVolumeFactor(float gor, float gg, float api
 SUBSURF_FLUIDS_INLINE float deadViscosity(float api, float tF) {
   const bool ok = (api > 0.0f) & (tF > -200.0f);
   const float x = fmath::pow(tF, -1.163f) * fmath::exp(6.9824f - 0.04658f * api);
-  const float mu = fmath::pow(10.0f, x) - 1.0f;
+  const float mu = fmath::exp10(x) - 1.0f;
   return ok ? mu : kRealNull;
 }
 

@@ -8,7 +8,9 @@
 // last place of the midpoint between two floats. The C library's own powf is
 // slightly less careful (it rounds the wrong way in a few cases in ten
 // thousand), so using one definition everywhere also keeps a case computed
-// alone and the same case computed in a batch bit-for-bit equal.
+// alone and the same case computed in a batch bit-for-bit equal. Every
+// operation is an IEEE one (no contraction, fused multiply-adds only where
+// written), so the bits do not depend on the instruction set either.
 //
 // Everything here is branch-free straight-line code: the batch calculation
 // runs it in loops that the compiler turns into SIMD code.
@@ -28,7 +30,32 @@
 #define SUBSURF_FLUIDS_INLINE inline
 #endif
 
+// Routines that evaluate these one value at a time are compiled twice, with
+// and without the processor's FMA instructions, and the better version is
+// chosen when the program starts; without them each fma() is a call to the
+// C library, which gives the same bits more slowly.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
+#define SUBSURF_FMA_CLONES [[gnu::target_clones("fma", "default")]]
+#else
+#define SUBSURF_FMA_CLONES
+#endif
+
 namespace subsurf::fluids::fmath {
+
+// Fused multiply-add: a * b + c rounded once. Exact by definition, so every
+// instruction set (and the C library where there is no FMA instruction) gives
+// the same bits; it is also what makes the reductions below exact.
+SUBSURF_FLUIDS_INLINE double fma(double a, double b, double c) {
+#if defined(__GNUC__)
+  return __builtin_fma(a, b, c);
+#else
+  return std::fma(a, b, c);
+#endif
+}
+
+// ln 2 split in two: kLn2Hi is ln 2 rounded to double, kLn2Lo the rest.
+inline constexpr double kLn2Hi = 0x1.62e42fefa39efp-1;
+inline constexpr double kLn2Lo = 0x1.abc9e3b39803fp-56;
 
 // e^x for the arguments that matter to a single-precision result: beyond
 // +-120 the result is far outside the float range either way, so the argument
@@ -36,27 +63,28 @@ namespace subsurf::fluids::fmath {
 SUBSURF_FLUIDS_INLINE double expWide(double x) {
   const double xc = x < -120.0 ? -120.0 : (x > 120.0 ? 120.0 : x);
   constexpr double kInvLn2 = 1.4426950408889634;
-  constexpr double kLn2Hi = 0x1.62e42fee00000p-1;  // trailing zeros: k * kLn2Hi is exact
-  constexpr double kLn2Lo = 0x1.a39ef35793c76p-33;
   constexpr double kShifter = 0x1.8p52;  // adding it rounds to an integer held in the low bits
-  const double t = xc * kInvLn2 + kShifter;
+  const double t = fma(xc, kInvLn2, kShifter);
   const double k = t - kShifter;
-  const double r = (xc - k * kLn2Hi) - k * kLn2Lo;  // |r| <= ln2 / 2
-  // Taylor series of e^r to r^13 / 13!; the first omitted term is below 1e-17.
-  double p = 1.0 / 6227020800.0;
-  p = p * r + 1.0 / 479001600.0;
-  p = p * r + 1.0 / 39916800.0;
-  p = p * r + 1.0 / 3628800.0;
-  p = p * r + 1.0 / 362880.0;
-  p = p * r + 1.0 / 40320.0;
-  p = p * r + 1.0 / 5040.0;
-  p = p * r + 1.0 / 720.0;
-  p = p * r + 1.0 / 120.0;
-  p = p * r + 1.0 / 24.0;
-  p = p * r + 1.0 / 6.0;
-  p = p * r + 0.5;
-  p = p * r + 1.0;
-  p = p * r + 1.0;
+  // r = x - k ln 2, |r| <= ln2 / 2: each fma rounds once, on the small result.
+  const double r = fma(-k, kLn2Lo, fma(-k, kLn2Hi, xc));
+  // Taylor series of e^r to r^13 / 13! (the first omitted term is below
+  // 1e-17), summed in pairs (Estrin's scheme) so that the terms are formed
+  // side by side rather than one after another.
+  const double r2 = r * r, r4 = r2 * r2, r8 = r4 * r4;
+  const double a01 = 1.0 + r;
+  const double a23 = fma(r, 1.0 / 6.0, 0.5);
+  const double a45 = fma(r, 1.0 / 120.0, 1.0 / 24.0);
+  const double a67 = fma(r, 1.0 / 5040.0, 1.0 / 720.0);
+  const double a89 = fma(r, 1.0 / 362880.0, 1.0 / 40320.0);
+  const double a1011 = fma(r, 1.0 / 39916800.0, 1.0 / 3628800.0);
+  const double a1213 = fma(r, 1.0 / 6227020800.0, 1.0 / 479001600.0);
+  const double a03 = fma(r2, a23, a01);
+  const double a47 = fma(r2, a67, a45);
+  const double a811 = fma(r2, a1011, a89);
+  const double a813 = fma(r4, a1213, a811);
+  const double a07 = fma(r4, a47, a03);
+  const double p = fma(r8, a813, a07);
   // Scale by 2^k: the low bits of t hold k, and shifting them into the
   // exponent field adds k to p's exponent (|k| <= 174 keeps it normal).
   const std::uint64_t scaled =
@@ -65,66 +93,37 @@ SUBSURF_FLUIDS_INLINE double expWide(double x) {
   return x != x ? x : y;
 }
 
-// Table for the logarithm: x is reduced to z in [0.6875, 1.375) (an interval
-// about 1, so values near 1 lose nothing to cancellation), split into 128
-// buckets by its leading mantissa bits; each bucket starts at c, and the
-// table holds 1/c and log(c) (from the C library, in double precision).
-struct LogTable {
-  static constexpr std::uint64_t kOffset = 0x3fe6000000000000ULL;  // bits of 0.6875
-  static constexpr int kBucketShift = 45;                          // 52 - 7 bits
-  double invC[128];
-  double logC[128];
-};
-
-#if defined(__GNUC__) && !defined(__clang__)
-// GCC evaluates its logarithm at compile time (correctly rounded), so the
-// table is a constant and ready before any code runs.
-#define SUBSURF_LOG_TABLE_CONSTEXPR constexpr
-inline constexpr double tableLog(double c) { return __builtin_log(c); }
-#else
-#define SUBSURF_LOG_TABLE_CONSTEXPR const
-inline double tableLog(double c) { return std::log(c); }
-#endif
-
-inline SUBSURF_LOG_TABLE_CONSTEXPR LogTable makeLogTable() {
-  LogTable t{};
-  for (std::uint64_t i = 0; i < 128; ++i) {
-    const double c = std::bit_cast<double>(LogTable::kOffset + (i << LogTable::kBucketShift));
-    t.invC[i] = 1.0 / c;
-    t.logC[i] = tableLog(c);
-  }
-  return t;
-}
-inline SUBSURF_LOG_TABLE_CONSTEXPR LogTable kLogTable = makeLogTable();
-
 // Natural logarithm of a value converted from single precision (so never
 // subnormal): -inf at 0, NaN below 0 and for NaN, +inf at +inf. Relative
-// error a few units of 1e-16, and none of the division of the usual series.
+// error a few units of 1e-16. No table: looking values up in one costs more
+// than the division below once the loops run on vector registers.
 SUBSURF_FLUIDS_INLINE double logWide(double x) {
+  // x = 2^k * z with z in [sqrt(2)/2, sqrt(2)), taken from the bits.
+  constexpr std::uint64_t kLowest = 0x3fe6a09e667f3bcdULL;  // bits of sqrt(2)/2
   const std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
-  const std::uint64_t tmp = bits - LogTable::kOffset;
-  const std::uint64_t i = (tmp >> LogTable::kBucketShift) & 127;
-  const std::int64_t k = static_cast<std::int64_t>(tmp) >> 52;  // x = z * 2^k
-  const std::uint64_t zBits = bits - (tmp & 0xfff0000000000000ULL);
-  const double z = std::bit_cast<double>(zBits);
-  // The bucket's start: z with the bits below the bucket index cleared, so
-  // z - c is exact and r is small (|r| < 2^-8).
-  const double c = std::bit_cast<double>(zBits & ~((std::uint64_t{1} << LogTable::kBucketShift) - 1));
-  const double r = (z - c) * kLogTable.invC[i];
+  const std::uint64_t tmp = bits - kLowest;
+  const std::int64_t k = static_cast<std::int64_t>(tmp) >> 52;
+  const double z = std::bit_cast<double>(bits - (tmp & 0xfff0000000000000ULL));
   // k as a double without a 64-bit integer conversion (which older vector
   // instruction sets lack): add it to the mantissa of 1.5 * 2^52.
   const double kd =
       std::bit_cast<double>(static_cast<std::uint64_t>(k) + 0x4338000000000000ULL) - 0x1.8p52;
-  // log(1 + r) to r^7; the first omitted term is below 1e-20.
-  double q = 1.0 / 7.0;
-  q = q * r - 1.0 / 6.0;
-  q = q * r + 1.0 / 5.0;
-  q = q * r - 1.0 / 4.0;
-  q = q * r + 1.0 / 3.0;
-  q = q * r - 0.5;
-  const double log1pR = r + (r * r) * q;
-  const double hi = kd * 0x1.62e42fee00000p-1 + kLogTable.logC[i];
-  const double y = hi + (kd * 0x1.a39ef35793c76p-33 + log1pR);
+  // log z = 2 atanh(s) with s = (z - 1) / (z + 1), |s| < 0.172: the series
+  // 2s (1 + s^2/3 + s^4/5 + ...) to s^21 (the first omitted term is below
+  // 1e-17 of the sum), in powers of w = s^2 summed in pairs.
+  const double f = z - 1.0;  // exact
+  const double s = f / (2.0 + f);
+  const double w = s * s, w2 = w * w, w4 = w2 * w2, w8 = w4 * w4;
+  const double a01 = fma(w, 2.0 / 3.0, 2.0);
+  const double a23 = fma(w, 2.0 / 7.0, 2.0 / 5.0);
+  const double a45 = fma(w, 2.0 / 11.0, 2.0 / 9.0);
+  const double a67 = fma(w, 2.0 / 15.0, 2.0 / 13.0);
+  const double a89 = fma(w, 2.0 / 19.0, 2.0 / 17.0);
+  const double a03 = fma(w2, a23, a01);
+  const double a47 = fma(w2, a67, a45);
+  const double a810 = fma(w2, 2.0 / 21.0, a89);
+  const double q = fma(w8, a810, fma(w4, a47, a03));
+  const double y = fma(kd, kLn2Hi, fma(kd, kLn2Lo, s * q));
 
   constexpr double kInf = std::numeric_limits<double>::infinity();
   constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -134,24 +133,11 @@ SUBSURF_FLUIDS_INLINE double logWide(double x) {
   return out;
 }
 
-// Square root, correctly rounded: Newton's iteration in double from a guess
-// that halves the exponent (within 4 per cent) converges to a double within
-// an ulp, and a float square root is never close enough to a rounding
-// midpoint for that ulp to matter. Written out rather than calling the C
-// library so that loops over it vectorise without an errno check.
+// Square root, correctly rounded: the double square root is correctly
+// rounded, and rounding it again to single precision cannot go wrong (a
+// double carries more than twice the digits of a float).
 SUBSURF_FLUIDS_INLINE float sqrt(float x) {
-  const double d = static_cast<double>(x);
-  double y = std::bit_cast<double>((std::bit_cast<std::uint64_t>(d) >> 1) + 0x1ff8000000000000ULL);
-  y = 0.5 * (y + d / y);
-  y = 0.5 * (y + d / y);
-  y = 0.5 * (y + d / y);
-  y = 0.5 * (y + d / y);
-  y = 0.5 * (y + d / y);
-  constexpr double kInf = std::numeric_limits<double>::infinity();
-  y = d == kInf ? kInf : y;
-  y = d == 0.0 ? d : y;
-  y = ((d < 0.0) | (d != d)) ? std::numeric_limits<double>::quiet_NaN() : y;
-  return static_cast<float>(y);
+  return static_cast<float>(std::sqrt(static_cast<double>(x)));
 }
 
 SUBSURF_FLUIDS_INLINE float exp(float x) { return static_cast<float>(expWide(static_cast<double>(x))); }
@@ -180,6 +166,21 @@ SUBSURF_FLUIDS_INLINE float pow(float x, float y) {
   r = ((x < 0.0f) & (x > -kInfF) & !integral) ? std::numeric_limits<double>::quiet_NaN() : r;
   r = ((y == 0.0f) | (x == 1.0f)) ? 1.0 : r;
   return static_cast<float>(r);
+}
+
+// 10^x, as pow(10, x) gives it, with ln 10 known rather than computed.
+SUBSURF_FLUIDS_INLINE float exp10(float x) {
+  constexpr double kLn10 = 2.302585092994046;
+  return static_cast<float>(expWide(static_cast<double>(x) * kLn10));
+}
+
+// x^1.5, as pow(x, 1.5) gives it: x * sqrt(x) in double precision (within
+// two units in the last place of a double) instead of a logarithm and an
+// exponential. The C library's powf(-inf, 1.5) is +inf.
+SUBSURF_FLUIDS_INLINE float threeHalvesPower(float x) {
+  const double d = static_cast<double>(x);
+  const double r = d * std::sqrt(d);
+  return static_cast<float>(d == -std::numeric_limits<double>::infinity() ? -d : r);
 }
 
 }  // namespace subsurf::fluids::fmath

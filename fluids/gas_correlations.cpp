@@ -54,6 +54,7 @@ void gasPseudoReduced(float gravity, float& n2, float& co2, float& h2s, float pr
   status = kFluidOk;
 }
 
+SUBSURF_FMA_CLONES
 float gasReducedDensity(float tpr, float ppr, int& status) {
   if (tpr < 1.05f || tpr > 3.0f) {
     status = kFluidOutOfRange;
@@ -107,6 +108,7 @@ float gasExpansionFactor(float z, float temperature, float pressure, float tsc, 
   return kernels::expansionFactor(z, temperature, pressure, tsc, psc);
 }
 
+SUBSURF_FMA_CLONES
 float gasViscosity(float gravity, float z, float temperature, float pressure) {
   return kernels::viscosity(gravity, z, temperature, pressure);
 }

@@ -17,32 +17,39 @@ std::int32_t bitsOf(float x) { return std::bit_cast<std::int32_t>(x); }
 
 }  // namespace
 
+SUBSURF_FMA_CLONES
 float oilBubblePoint(float gor, float gasGravity, float api, float temperatureR) {
   return kernels::bubblePoint(gor, gasGravity, api, temperatureR);
 }
 
+SUBSURF_FMA_CLONES
 float oilSolutionGor(float temperatureR, float pressure, float api, float gasGravity) {
   return kernels::solutionGor(temperatureR, pressure, api, gasGravity);
 }
 
+SUBSURF_FMA_CLONES
 float oilFormationVolumeFactor(float gor, float gasGravity, float api, float temperatureR,
                                float pressure, float bubblePoint) {
   return kernels::formationVolumeFactor(gor, gasGravity, api, temperatureR, pressure, bubblePoint);
 }
 
+SUBSURF_FMA_CLONES
 float oilCompressibility(float gor, float gasGravity, float api, float temperature,
                          float pressure, int method, float bubblePoint, float /*otherGor*/) {
   return kernels::compressibility(gor, gasGravity, api, temperature, pressure, method, bubblePoint);
 }
 
+SUBSURF_FMA_CLONES
 float oilDeadViscosity(float api, float temperatureF) {
   return kernels::deadViscosity(api, temperatureF);
 }
 
+SUBSURF_FMA_CLONES
 float oilDeadViscosityAt(float knownViscosity, float targetF, float referenceF) {
   return kernels::deadViscosityAt(knownViscosity, targetF, referenceF);
 }
 
+SUBSURF_FMA_CLONES
 float oilLiveViscosity(float deadViscosity, float gor) {
   return kernels::liveViscosity(deadViscosity, gor);
 }
@@ -64,6 +71,7 @@ float oilHydrogenIndex(float density) {
   return 9.0f * density * (0.15f + 0.2f * (d * d));
 }
 
+SUBSURF_FMA_CLONES
 float oilHydrogenIndexFromViscosity(float liveViscosity, float gor, float temperatureF) {
   if (liveViscosity <= 0.0f || gor < 0.0f || temperatureF < -32.0f) return 1.0f;
   const float dead =

@@ -26,10 +26,10 @@ bool sameFloat(float a, float b) {
 TEST(FloatMath, RandomArgumentsRoundTheDoubleResult) {
   std::mt19937 rng(5);
   std::uniform_real_distribution<float> expArg(-110.0f, 95.0f), base(0.0f, 10000.0f),
-      exponent(-3.0f, 3.0f);
+      exponent(-3.0f, 3.0f), decimalExponent(-46.0f, 39.0f);
   std::uniform_int_distribution<std::uint32_t> positive(1u, 0x7f7fffffu);
   auto d = [](float x) { return static_cast<double>(x); };
-  int expMiss = 0, logMiss = 0, powMiss = 0, sqrtMiss = 0;
+  int expMiss = 0, logMiss = 0, powMiss = 0, sqrtMiss = 0, exp10Miss = 0, halvesMiss = 0;
   for (int k = 0; k < 100000; ++k) {
     const float x = expArg(rng), y = std::bit_cast<float>(positive(rng));
     const float b = base(rng), e = exponent(rng);
@@ -37,11 +37,16 @@ TEST(FloatMath, RandomArgumentsRoundTheDoubleResult) {
     logMiss += fm::log(y) != static_cast<float>(std::log(d(y)));
     sqrtMiss += fm::sqrt(y) != std::sqrt(y);
     powMiss += !sameFloat(fm::pow(b, e), static_cast<float>(std::pow(d(b), d(e))));
+    const float t = decimalExponent(rng);
+    exp10Miss += fm::exp10(t) != static_cast<float>(std::pow(10.0, d(t)));
+    halvesMiss += fm::threeHalvesPower(b) != static_cast<float>(std::pow(d(b), 1.5));
   }
   EXPECT_EQ(expMiss, 0);
   EXPECT_EQ(logMiss, 0);
   EXPECT_EQ(sqrtMiss, 0);
   EXPECT_EQ(powMiss, 0);
+  EXPECT_EQ(exp10Miss, 0);
+  EXPECT_EQ(halvesMiss, 0);
   // The exponents the correlations use, on their usual bases.
   EXPECT_EQ(fm::pow(600.0f, 1.2f), static_cast<float>(std::pow(600.0, d(1.2f))));
   EXPECT_EQ(fm::pow(10.0f, 2.0f), 100.0f);
@@ -58,6 +63,10 @@ TEST(FloatMath, SpecialValuesAsTheCLibraryGivesThem) {
   for (float x : {0.0f, -0.0f, -1.0f, inf, -inf, nan, 1.0f, 1.0e-45f}) {
     EXPECT_TRUE(sameFloat(fm::log(x), std::log(x))) << "log " << x;
     EXPECT_TRUE(sameFloat(fm::sqrt(x), std::sqrt(x))) << "sqrt " << x;
+    EXPECT_TRUE(sameFloat(fm::threeHalvesPower(x), std::pow(x, 1.5f))) << "x^1.5 " << x;
+  }
+  for (float x : {-inf, inf, nan, 0.0f, -0.0f, 39.0f, -46.0f, 2.0f}) {
+    EXPECT_TRUE(sameFloat(fm::exp10(x), std::pow(10.0f, x))) << "10^" << x;
   }
   const float cases[][2] = {
       {0.0f, 2.0f},    {0.0f, -1.163f}, {-0.0f, -1.0f}, {-0.0f, 0.5f},  {-0.0f, 3.0f},
