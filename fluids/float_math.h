@@ -42,6 +42,15 @@
 
 namespace subsurf::fluids::fmath {
 
+// std::bit_cast, forced inline: a library function is not folded into the
+// loops compiled for another processor (target clones), and a call there
+// keeps the loop from being vectorised.
+template <typename To, typename From>
+SUBSURF_FLUIDS_INLINE To bitsAs(const From& from) {
+  static_assert(sizeof(To) == sizeof(From));
+  return __builtin_bit_cast(To, from);
+}
+
 // Fused multiply-add: a * b + c rounded once. Exact by definition, so every
 // instruction set (and the C library where there is no FMA instruction) gives
 // the same bits; it is also what makes the reductions below exact.
@@ -88,8 +97,8 @@ SUBSURF_FLUIDS_INLINE double expWide(double x) {
   // Scale by 2^k: the low bits of t hold k, and shifting them into the
   // exponent field adds k to p's exponent (|k| <= 174 keeps it normal).
   const std::uint64_t scaled =
-      std::bit_cast<std::uint64_t>(p) + (std::bit_cast<std::uint64_t>(t) << 52);
-  const double y = std::bit_cast<double>(scaled);
+      bitsAs<std::uint64_t>(p) + (bitsAs<std::uint64_t>(t) << 52);
+  const double y = bitsAs<double>(scaled);
   return x != x ? x : y;
 }
 
@@ -100,14 +109,14 @@ SUBSURF_FLUIDS_INLINE double expWide(double x) {
 SUBSURF_FLUIDS_INLINE double logWide(double x) {
   // x = 2^k * z with z in [sqrt(2)/2, sqrt(2)), taken from the bits.
   constexpr std::uint64_t kLowest = 0x3fe6a09e667f3bcdULL;  // bits of sqrt(2)/2
-  const std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
+  const std::uint64_t bits = bitsAs<std::uint64_t>(x);
   const std::uint64_t tmp = bits - kLowest;
   const std::int64_t k = static_cast<std::int64_t>(tmp) >> 52;
-  const double z = std::bit_cast<double>(bits - (tmp & 0xfff0000000000000ULL));
+  const double z = bitsAs<double>(bits - (tmp & 0xfff0000000000000ULL));
   // k as a double without a 64-bit integer conversion (which older vector
   // instruction sets lack): add it to the mantissa of 1.5 * 2^52.
   const double kd =
-      std::bit_cast<double>(static_cast<std::uint64_t>(k) + 0x4338000000000000ULL) - 0x1.8p52;
+      bitsAs<double>(static_cast<std::uint64_t>(k) + 0x4338000000000000ULL) - 0x1.8p52;
   // log z = 2 atanh(s) with s = (z - 1) / (z + 1), |s| < 0.172: the series
   // 2s (1 + s^2/3 + s^4/5 + ...) to s^21 (the first omitted term is below
   // 1e-17 of the sum), in powers of w = s^2 summed in pairs.
@@ -156,7 +165,7 @@ SUBSURF_FLUIDS_INLINE float pow(float x, float y) {
   const bool integral = (ay >= 0x1p23f) | (((ay + 0x1p23f) - 0x1p23f) == ay);
   const float half = ay * 0.5f;
   const bool odd = integral & (ay < 0x1p24f) & (((half + 0x1p23f) - 0x1p23f) != half);
-  const bool negativeBase = std::bit_cast<std::int32_t>(x) < 0;  // -0 included
+  const bool negativeBase = bitsAs<std::int32_t>(x) < 0;  // -0 included
 
   const double ax = static_cast<double>(negativeBase ? -x : x);
   double r = expWide(static_cast<double>(y) * logWide(ax));

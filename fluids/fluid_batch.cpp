@@ -28,10 +28,17 @@
 #include "host/nulls.h"
 #include "units/units_registry.h"
 
+// The correlation loops are compiled for AVX-512, for AVX2 with FMA (the
+// Haswell set) and for the baseline. Code compiled for a named processor
+// only takes in functions forced inline, which everything the kernels call
+// is. The block's bookkeeping calls ordinary functions, so its versions name
+// instruction sets only.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
-#define SUBSURF_SIMD_CLONES [[gnu::target_clones("avx512f", "avx2", "default")]]
+#define SUBSURF_SIMD_CLONES [[gnu::target_clones("avx512f", "arch=haswell", "default")]]
+#define SUBSURF_BLOCK_CLONES [[gnu::target_clones("avx512f", "avx2", "default")]]
 #else
 #define SUBSURF_SIMD_CLONES
+#define SUBSURF_BLOCK_CLONES
 #endif
 // The block's helpers are folded into each instruction-set version of it.
 #if defined(__GNUC__)
@@ -191,7 +198,7 @@ void FluidBatch::calculateAll() {
   }
 }
 
-SUBSURF_SIMD_CLONES
+SUBSURF_BLOCK_CLONES
 void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   const int n = static_cast<int>(count);
   const EntryUnit degR = prototype_.rankine();
