@@ -328,7 +328,11 @@ double applyOne(const Plan& p, double x, int& err) {
 // no branch, so that the loop becomes SIMD code. GCC only turns such a select
 // into a blend when it may ignore floating-point exception flags, which nothing
 // here reads.
-#if defined(__GNUC__) && !defined(__clang__)
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
+// Also compiled for the wider vector registers, chosen when the program starts.
+#define SUBSURF_SIMD_LOOP \
+  [[gnu::optimize("no-trapping-math"), gnu::target_clones("avx512f", "avx2", "default")]]
+#elif defined(__GNUC__) && !defined(__clang__)
 #define SUBSURF_SIMD_LOOP [[gnu::optimize("no-trapping-math")]]
 #else
 #define SUBSURF_SIMD_LOOP
