@@ -143,21 +143,33 @@ SUBSURF_FLUIDS_INLINE float vasquezBeggsC1(float api) { return api <= 30.0f ? 0.
 SUBSURF_FLUIDS_INLINE float vasquezBeggsC2(float api) { return api <= 30.0f ? 1.0937f : 1.187f; }
 SUBSURF_FLUIDS_INLINE float vasquezBeggsC3(float api) { return api <= 30.0f ? 25.724f : 23.931f; }
 
-SUBSURF_FLUIDS_INLINE float bubblePoint(float gor, float gg, float api, float tR) {
+// e^(C3 * API / T), the temperature term of both Vasquez-Beggs forms: one
+// calculation of an oil can work it out once for the two.
+SUBSURF_FLUIDS_INLINE float vasquezBeggsTerm(float api, float tR) {
+  return fmath::exp(vasquezBeggsC3(api) * api / tR);
+}
+
+SUBSURF_FLUIDS_INLINE float bubblePoint(float gor, float gg, float api, float tR, float term) {
   const bool ok = (gor >= 0.0f) & (gg > 0.0f) & (api > 0.0f) & (tR > 0.0f);
-  const float c1 = vasquezBeggsC1(api), c2 = vasquezBeggsC2(api), c3 = vasquezBeggsC3(api);
-  const float pb = fmath::pow(gor / (gg * c1 * fmath::exp(c3 * api / tR)), 1.0f / c2);
+  const float c1 = vasquezBeggsC1(api), c2 = vasquezBeggsC2(api);
+  const float pb = fmath::pow(gor / (gg * c1 * term), 1.0f / c2);
   return ok ? pb : kRealNull;
+}
+SUBSURF_FLUIDS_INLINE float bubblePoint(float gor, float gg, float api, float tR) {
+  return bubblePoint(gor, gg, api, tR, vasquezBeggsTerm(api, tR));
 }
 
 // The factor beside C1 is the API gravity (not the gas gravity of the
 // published form); the gas gravity is only checked. Results have always
 // been computed this way.
-SUBSURF_FLUIDS_INLINE float solutionGor(float tR, float p, float api, float gg) {
+SUBSURF_FLUIDS_INLINE float solutionGor(float tR, float p, float api, float gg, float term) {
   const bool ok = (tR > 0.0f) & (p > 0.0f) & (api > 0.0f) & (gg > 0.0f);
-  const float c1 = vasquezBeggsC1(api), c2 = vasquezBeggsC2(api), c3 = vasquezBeggsC3(api);
-  const float rs = c1 * api * fmath::pow(p, c2) * fmath::exp(c3 * api / tR);
+  const float c1 = vasquezBeggsC1(api), c2 = vasquezBeggsC2(api);
+  const float rs = c1 * api * fmath::pow(p, c2) * term;
   return ok ? rs : kRealNull;
+}
+SUBSURF_FLUIDS_INLINE float solutionGor(float tR, float p, float api, float gg) {
+  return solutionGor(tR, p, api, gg, vasquezBeggsTerm(api, tR));
 }
 
 inline constexpr int kCoVasquezBeggs = 1;
@@ -247,13 +259,26 @@ SUBSURF_FLUIDS_INLINE float hydrostaticPressure(float depthFt) { return 0.44f * 
 // The oil form's compressibility: McCain's saturated form with the gas-oil
 // ratio at reservoir pressure when the oil is at or below its bubble point,
 // Vasquez-Beggs with the solution ratio when it is undersaturated.
+// (A batch works the two forms out separately, each for the cases it applies
+// to; `term` is vasquezBeggsTerm(oden, tR).)
+SUBSURF_FLUIDS_INLINE bool formCompressibilityIsSaturated(float pres, float pb) {
+  return pres <= pb;
+}
+SUBSURF_FLUIDS_INLINE float saturatedFormCompressibility(float sgden, float oden, float tR,
+                                                         float pres, float pb, float term) {
+  return compressibility(solutionGor(tR, pres, oden, sgden, term), sgden, oden, tR, pres,
+                         kCoMcCain, pb);
+}
+SUBSURF_FLUIDS_INLINE float undersaturatedFormCompressibility(float solgor, float sgden,
+                                                              float oden, float tR, float pres,
+                                                              float pb) {
+  return compressibility(solgor, sgden, oden, tR, pres, kCoVasquezBeggs, pb);
+}
 SUBSURF_FLUIDS_INLINE float formCompressibility(float solgor, float sgden, float oden, float tR,
                                                 float pres, float pb) {
-  // Both are formed and one is chosen, which keeps loops over this branch-free.
-  const float saturated = compressibility(solutionGor(tR, pres, oden, sgden), sgden, oden, tR,
-                                          pres, kCoMcCain, pb);
-  const float undersaturated = compressibility(solgor, sgden, oden, tR, pres, kCoVasquezBeggs, pb);
-  return pres <= pb ? saturated : undersaturated;
+  return formCompressibilityIsSaturated(pres, pb)
+             ? saturatedFormCompressibility(sgden, oden, tR, pres, pb, vasquezBeggsTerm(oden, tR))
+             : undersaturatedFormCompressibility(solgor, sgden, oden, tR, pres, pb);
 }
 
 }  // namespace subsurf::fluids::kernels

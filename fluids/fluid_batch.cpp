@@ -64,8 +64,13 @@ void geothermal(In depth, Out out, int n) {
 }
 
 SUBSURF_SIMD_CLONES
-void bubblePoint(In gor, In gg, In api, In tR, Out out, int n) {
-  for (int i = 0; i < n; ++i) out[i] = kernels::bubblePoint(gor[i], gg[i], api[i], tR[i]);
+void vasquezBeggsTerm(In api, In tR, Out out, int n) {
+  for (int i = 0; i < n; ++i) out[i] = kernels::vasquezBeggsTerm(api[i], tR[i]);
+}
+
+SUBSURF_SIMD_CLONES
+void bubblePoint(In gor, In gg, In api, In tR, In term, Out out, int n) {
+  for (int i = 0; i < n; ++i) out[i] = kernels::bubblePoint(gor[i], gg[i], api[i], tR[i], term[i]);
 }
 
 SUBSURF_SIMD_CLONES
@@ -89,9 +94,17 @@ void liveViscosity(In dead, In tF, In refF, In gor, Out out, int n) {
 }
 
 SUBSURF_SIMD_CLONES
-void compressibility(In gor, In gg, In api, In tR, In p, In pb, Out out, int n) {
+void undersaturatedCompressibility(In gor, In gg, In api, In tR, In p, In pb, Out out, int n) {
   for (int i = 0; i < n; ++i) {
-    out[i] = kernels::formCompressibility(gor[i], gg[i], api[i], tR[i], p[i], pb[i]);
+    out[i] = kernels::undersaturatedFormCompressibility(gor[i], gg[i], api[i], tR[i], p[i], pb[i]);
+  }
+}
+
+// Over the saturated cases only, packed together (see calculateRange).
+SUBSURF_SIMD_CLONES
+void saturatedCompressibility(In gg, In api, In tR, In p, In pb, In term, Out out, int n) {
+  for (int i = 0; i < n; ++i) {
+    out[i] = kernels::saturatedFormCompressibility(gg[i], api[i], tR[i], p[i], pb[i], term[i]);
   }
 }
 
@@ -132,16 +145,10 @@ namespace {
 // Cases per block: small enough for every column of a block to stay in cache.
 constexpr int kBlock = 512;
 
-// One entry of a block as read in a unit. Flags are ints rather than bools so
-// that every array in a loop has four-byte elements, which keeps the loops
-// vectorisable on every instruction set.
+// Flags are ints rather than bools so that every array in a loop has
+// four-byte elements, which keeps the loops vectorisable on every
+// instruction set.
 using Flag = std::int32_t;
-struct Column {
-  float value[kBlock];
-  int state[kBlock];
-  Flag missing[kBlock];
-  Flag due(int i) const { return missing[i] | (state[i] > kStateTyped); }
-};
 
 // Converts a block through the registry's vector conversion; should any value
 // fail, the block is redone value by value so that failures become nulls just
@@ -153,6 +160,12 @@ void convertBlock(float* v, int n, int iser, int from, int to) {
   unitsRegistry().convert(v, static_cast<std::size_t>(n), iser, from, to, err);
   if (err == 0) return;
   for (int i = 0; i < n; ++i) v[i] = FluidTable::convert(original[i], iser, from, to);
+}
+
+// Whether values stored in one unit are read or written in another as they
+// are, as FluidTable::get and set decide it.
+bool asStored(EntryUnit stored, EntryUnit unit) {
+  return unit.iun < 1 || unit.iun == stored.iun || stored.iun < 1;
 }
 
 }  // namespace
@@ -202,156 +215,190 @@ SUBSURF_BLOCK_CLONES
 void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   const int n = static_cast<int>(count);
   const EntryUnit degR = prototype_.rankine();
+  auto column = [&](Entry e) SUBSURF_INLINE { return values_[index(e)].data() + first; };
+  auto states = [&](Entry e) SUBSURF_INLINE { return states_[index(e)].data() + first; };
 
-  // Reads an entry of the block in a unit, as FluidTable::get does.
-  auto read = [&](Entry e, EntryUnit unit, Column& c) SUBSURF_INLINE {
-    const float* v = values_[index(e)].data() + first;
-    const int* s = states_[index(e)].data() + first;
+  // An entry's values in a unit, as FluidTable::get reads them (null where
+  // missing): the column itself when the unit is the stored one, else a
+  // converted copy in `scratch`. A column read this way shows later stores to
+  // the entry; readCopy() takes a copy that does not.
+  auto read = [&](Entry e, EntryUnit unit, float* scratch) SUBSURF_INLINE -> const float* {
     const EntryUnit stored = prototype_.storedUnit(e);
-    const Flag unavailable = unit.iun < 0;
-    for (int i = 0; i < n; ++i) {
-      c.state[i] = s[i];
-      c.missing[i] = isNull(v[i]) | unavailable;
-      c.value[i] = c.missing[i] ? kRealNull : v[i];
+    if (unit.iun < 0) {
+      std::fill_n(scratch, n, kRealNull);
+      return scratch;
     }
-    if (unit.iun < 1 || unit.iun == stored.iun || stored.iun < 1) return;
-    convertBlock(c.value, n, stored.iser, stored.iun, unit.iun);
-    for (int i = 0; i < n; ++i) c.missing[i] = c.missing[i] | isNull(c.value[i]);
+    if (asStored(stored, unit)) return column(e);
+    std::copy_n(column(e), n, scratch);
+    convertBlock(scratch, n, stored.iser, stored.iun, unit.iun);
+    return scratch;
   };
-  auto fixedRead = [&](Entry e, Column& c) SUBSURF_INLINE {
-    read(e, prototype_.fixedUnit(e), c);
+  auto readCopy = [&](Entry e, EntryUnit unit, float* copy) SUBSURF_INLINE {
+    const float* v = read(e, unit, copy);
+    if (v != copy) std::copy_n(v, n, copy);
+  };
+  auto fixedUnit = [&](Entry e) SUBSURF_INLINE { return prototype_.fixedUnit(e); };
+  // Due for calculation: missing, or calculated before.
+  auto due = [&](const float* v, const int* s, Flag* out) SUBSURF_INLINE {
+    for (int i = 0; i < n; ++i) out[i] = isNull(v[i]) | (s[i] > kStateTyped);
   };
 
-  // Stores the values where mask is set, as FluidTable::set does, with the
-  // given state (or each case's own when states is given).
+  // Stores values given in the entry's fixed unit where mask is set, as
+  // FluidTable::set does, with the given state (or each case's own when
+  // caseStates is given).
+  float converted[kBlock];
   auto storeWith = [&](Entry e, const float* in, const Flag* mask, int state,
-                       const int* states) SUBSURF_INLINE {
-    const EntryUnit unit = prototype_.fixedUnit(e);
+                       const int* caseStates) SUBSURF_INLINE {
+    const EntryUnit unit = fixedUnit(e);
     if (unit.iun < 0) return;
     const EntryUnit stored = prototype_.storedUnit(e);
-    float converted[kBlock];
-    std::memcpy(converted, in, sizeof(float) * count);
-    if (!(unit.iun < 1 || unit.iun == stored.iun || stored.iun < 1)) {
-      convertBlock(converted, n, stored.iser, unit.iun, stored.iun);
-    }
-    float* v = values_[index(e)].data() + first;
-    int* s = states_[index(e)].data() + first;
-    if (states) {
-      for (int i = 0; i < n; ++i) s[i] = mask[i] ? states[i] : s[i];
+    float* v = column(e);
+    int* s = states(e);
+    if (caseStates) {
+      for (int i = 0; i < n; ++i) s[i] = mask[i] ? caseStates[i] : s[i];
     } else {
       for (int i = 0; i < n; ++i) s[i] = mask[i] ? state : s[i];
     }
+    if (asStored(stored, unit)) {
+      for (int i = 0; i < n; ++i) v[i] = mask[i] ? in[i] : v[i];
+      return;
+    }
+    std::copy_n(in, n, converted);
+    convertBlock(converted, n, stored.iser, unit.iun, stored.iun);
     for (int i = 0; i < n; ++i) v[i] = mask[i] ? (isNull(in[i]) ? in[i] : converted[i]) : v[i];
   };
   auto store = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
     storeWith(e, in, mask, kStateCalculated, nullptr);
   };
 
-  Column c, tsc, psc;
   Flag mask[kBlock];
-  float depth[kBlock], pres[kBlock], result[kBlock];
-  float oden[kBlock], sgden[kBlock], solgor[kBlock], tR[kBlock], tF[kBlock], pb[kBlock];
+  float result[kBlock], scratch[kBlock];
 
   // Reservoir temperature and pressure from the depth.
-  fixedRead(Entry::Dres, c);
-  std::copy_n(c.value, n, depth);
-  read(Entry::Tres, degR, c);
-  for (int i = 0; i < n; ++i) mask[i] = c.due(i) & (depth[i] >= -1000.0f);
+  float depthCopy[kBlock];
+  const float* depth = read(Entry::Dres, fixedUnit(Entry::Dres), depthCopy);
+  {
+    const float* tres = read(Entry::Tres, degR, scratch);
+    const int* s = states(Entry::Tres);
+    for (int i = 0; i < n; ++i) {
+      mask[i] = (isNull(tres[i]) | (s[i] > kStateTyped)) & (depth[i] >= -1000.0f);
+    }
+  }
   batch_loops::geothermal(depth, result, n);
   store(Entry::Tres, result, mask);
-  fixedRead(Entry::Pres, c);
-  for (int i = 0; i < n; ++i) {
-    mask[i] = c.due(i) & (depth[i] >= -1000.0f);
-    pres[i] = mask[i] ? kernels::hydrostaticPressure(depth[i]) : c.value[i];
+  float pres[kBlock];
+  {
+    const float* given = read(Entry::Pres, fixedUnit(Entry::Pres), scratch);
+    const int* s = states(Entry::Pres);
+    for (int i = 0; i < n; ++i) {
+      mask[i] = (isNull(given[i]) | (s[i] > kStateTyped)) & (depth[i] >= -1000.0f);
+      pres[i] = mask[i] ? kernels::hydrostaticPressure(depth[i]) : given[i];
+    }
   }
   store(Entry::Pres, pres, mask);
 
   // Standard conditions: reset when calculated, but used as they were.
-  read(Entry::Tsc, degR, tsc);
-  for (int i = 0; i < n; ++i) {
-    mask[i] = tsc.state[i] > kStateTyped;
-    result[i] = 60.0f;
+  float tsc[kBlock], psc[kBlock];
+  readCopy(Entry::Tsc, degR, tsc);
+  readCopy(Entry::Psc, fixedUnit(Entry::Psc), psc);
+  for (auto [e, standard] : {std::pair{Entry::Tsc, 60.0f}, std::pair{Entry::Psc, 14.7f}}) {
+    const int* s = states(e);
+    for (int i = 0; i < n; ++i) {
+      mask[i] = s[i] > kStateTyped;
+      result[i] = standard;
+    }
+    store(e, result, mask);
   }
-  store(Entry::Tsc, result, mask);
-  fixedRead(Entry::Psc, psc);
-  for (int i = 0; i < n; ++i) {
-    mask[i] = psc.state[i] > kStateTyped;
-    result[i] = 14.7f;
-  }
-  store(Entry::Psc, result, mask);
 
-  // Oil.
-  fixedRead(Entry::Oden, c);
-  std::copy_n(c.value, n, oden);
-  fixedRead(Entry::Sgden, c);
-  std::copy_n(c.value, n, sgden);
-  fixedRead(Entry::Solgor, c);
-  std::copy_n(c.value, n, solgor);
-  read(Entry::Tres, degR, c);
-  std::copy_n(c.value, n, tR);
-  fixedRead(Entry::Tres, c);
-  std::copy_n(c.value, n, tF);
-  fixedRead(Entry::Pbubble, c);
-  for (int i = 0; i < n; ++i) mask[i] = c.due(i);
-  batch_loops::bubblePoint(solgor, sgden, oden, tR, result, n);
+  // Oil. (Inputs never stored to can be read in place.)
+  float odenCopy[kBlock], sgdenCopy[kBlock], solgorCopy[kBlock], tR[kBlock], tFCopy[kBlock];
+  const float* oden = read(Entry::Oden, fixedUnit(Entry::Oden), odenCopy);
+  const float* sgden = read(Entry::Sgden, fixedUnit(Entry::Sgden), sgdenCopy);
+  const float* solgor = read(Entry::Solgor, fixedUnit(Entry::Solgor), solgorCopy);
+  readCopy(Entry::Tres, degR, tR);
+  const float* tF = read(Entry::Tres, fixedUnit(Entry::Tres), tFCopy);
+  float term[kBlock];
+  batch_loops::vasquezBeggsTerm(oden, tR, term, n);
+  due(read(Entry::Pbubble, fixedUnit(Entry::Pbubble), scratch), states(Entry::Pbubble), mask);
+  batch_loops::bubblePoint(solgor, sgden, oden, tR, term, result, n);
   store(Entry::Pbubble, result, mask);
-  fixedRead(Entry::Pbubble, c);
-  std::copy_n(c.value, n, pb);
+  float pbCopy[kBlock];
+  const float* pb = read(Entry::Pbubble, fixedUnit(Entry::Pbubble), pbCopy);
   // The volume factor follows a calculated bubble point, whatever its own state.
-  for (int i = 0; i < n; ++i) mask[i] = c.due(i);
+  due(pb, states(Entry::Pbubble), mask);
   batch_loops::volumeFactor(solgor, sgden, oden, tR, pres, pb, result, n);
   store(Entry::Bo, result, mask);
 
   float oviscdt[kBlock], oviscd[kBlock];
-  fixedRead(Entry::Oviscdt, c);
-  for (int i = 0; i < n; ++i) {
-    mask[i] = c.due(i);
-    oviscdt[i] = mask[i] ? 60.0f : c.value[i];
+  {
+    const float* given = read(Entry::Oviscdt, fixedUnit(Entry::Oviscdt), scratch);
+    due(given, states(Entry::Oviscdt), mask);
+    for (int i = 0; i < n; ++i) oviscdt[i] = mask[i] ? 60.0f : given[i];
   }
   store(Entry::Oviscdt, oviscdt, mask);
-  fixedRead(Entry::Oviscd, c);
   batch_loops::deadViscosity(oden, oviscdt, result, n);
-  for (int i = 0; i < n; ++i) {
-    mask[i] = c.due(i);
-    oviscd[i] = mask[i] ? result[i] : c.value[i];
+  {
+    const float* given = read(Entry::Oviscd, fixedUnit(Entry::Oviscd), scratch);
+    due(given, states(Entry::Oviscd), mask);
+    for (int i = 0; i < n; ++i) oviscd[i] = mask[i] ? result[i] : given[i];
   }
   store(Entry::Oviscd, oviscd, mask);
-  fixedRead(Entry::Ovisc, c);
-  for (int i = 0; i < n; ++i) mask[i] = c.due(i);
+  due(read(Entry::Ovisc, fixedUnit(Entry::Ovisc), scratch), states(Entry::Ovisc), mask);
   batch_loops::liveViscosity(oviscd, tF, oviscdt, solgor, result, n);
   store(Entry::Ovisc, result, mask);
-  fixedRead(Entry::Ocomp, c);
-  for (int i = 0; i < n; ++i) mask[i] = c.due(i);
-  batch_loops::compressibility(solgor, sgden, oden, tR, pres, pb, result, n);
+
+  // Compressibility: McCain's saturated form costs a dozen logarithms and
+  // powers, so it is worked out only for the due cases at or below their
+  // bubble point, packed together, and Vasquez-Beggs for the rest.
+  due(read(Entry::Ocomp, fixedUnit(Entry::Ocomp), scratch), states(Entry::Ocomp), mask);
+  batch_loops::undersaturatedCompressibility(solgor, sgden, oden, tR, pres, pb, result, n);
+  {
+    int picked[kBlock];
+    int m = 0;
+    for (int i = 0; i < n; ++i) {
+      picked[m] = i;
+      m += mask[i] & kernels::formCompressibilityIsSaturated(pres[i], pb[i]);
+    }
+    float in[6][kBlock], out[kBlock];
+    for (int j = 0; j < m; ++j) {
+      const int i = picked[j];
+      in[0][j] = sgden[i];
+      in[1][j] = oden[i];
+      in[2][j] = tR[i];
+      in[3][j] = pres[i];
+      in[4][j] = pb[i];
+      in[5][j] = term[i];
+    }
+    batch_loops::saturatedCompressibility(in[0], in[1], in[2], in[3], in[4], in[5], out, m);
+    for (int j = 0; j < m; ++j) result[picked[j]] = out[j];
+  }
   store(Entry::Ocomp, result, mask);
 
   // Gas: pseudo-reduced values as tablePseudoReduced() forms them.
-  Column gden, n2, co2, h2s, gp, gt;
-  fixedRead(Entry::Gden, gden);
-  fixedRead(Entry::N2, n2);
-  fixedRead(Entry::Co2, co2);
-  fixedRead(Entry::H2s, h2s);
-  fixedRead(Entry::Pres, gp);
-  read(Entry::Tres, degR, gt);
+  float gdenCopy[kBlock], n2[kBlock], co2[kBlock], h2s[kBlock], gp[kBlock];
+  const float* gden = read(Entry::Gden, fixedUnit(Entry::Gden), gdenCopy);
+  readCopy(Entry::N2, fixedUnit(Entry::N2), n2);
+  readCopy(Entry::Co2, fixedUnit(Entry::Co2), co2);
+  readCopy(Entry::H2s, fixedUnit(Entry::H2s), h2s);
+  const float* gpRead = read(Entry::Pres, fixedUnit(Entry::Pres), gp);
+  const float* gtRead = tR;  // the temperature has not changed since
   float tpr[kBlock], ppr[kBlock], z[kBlock];
   Flag reduced[kBlock];
   int chartStatus[kBlock];
-  batch_loops::pseudoReduced(gden.value, n2.value, co2.value, h2s.value, gp.value, gt.value, tpr,
-                             ppr, n);
+  batch_loops::pseudoReduced(gden, n2, co2, h2s, gpRead, gtRead, tpr, ppr, n);
   for (int i = 0; i < n; ++i) {
-    const Flag absent = gden.missing[i] | n2.missing[i] | co2.missing[i] | h2s.missing[i] |
-                        gp.missing[i] | gt.missing[i];
-    reduced[i] = (absent == 0) & (gden.value[i] > 0.0f);
+    const Flag absent = isNull(gden[i]) | isNull(n2[i]) | isNull(co2[i]) | isNull(h2s[i]) |
+                        isNull(gpRead[i]) | isNull(gtRead[i]);
+    reduced[i] = (absent == 0) & (gden[i] > 0.0f);
   }
   // Negative contents were read as zero; the form shows the zero.
-  const std::array<std::pair<Entry, Column*>, 3> fractions{
-      {{Entry::N2, &n2}, {Entry::Co2, &co2}, {Entry::H2s, &h2s}}};
-  for (auto [e, col] : fractions) {
+  for (auto [e, fraction] : {std::pair{Entry::N2, n2}, std::pair{Entry::Co2, co2},
+                             std::pair{Entry::H2s, h2s}}) {
     for (int i = 0; i < n; ++i) {
-      result[i] = kernels::clampFraction(col->value[i]);
-      mask[i] = reduced[i] & (result[i] != col->value[i]);
+      result[i] = kernels::clampFraction(fraction[i]);
+      mask[i] = reduced[i] & (result[i] != fraction[i]);
     }
-    storeWith(e, result, mask, 0, col->state);
+    storeWith(e, result, mask, 0, states(e));  // each case keeps its state
   }
 
   batch_loops::chartZ(tpr, ppr, z, chartStatus, n);
@@ -371,24 +418,31 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   store(Entry::Zfact, z, mask);
 
   float bg[kBlock], gvisc[kBlock], gdenres[kBlock];
-  batch_loops::gasProperties(gden.value, z, tR, pres, tsc.value, psc.value, bg, gvisc, gdenres, n);
+  batch_loops::gasProperties(gden, z, tR, pres, tsc, psc, bg, gvisc, gdenres, n);
   float nullColumn[kBlock];
   std::fill_n(nullColumn, n, kRealNull);
   // Calculated where due with reduced values; cleared where calculated
   // earlier without them.
+  Flag dueNow[kBlock];
   auto gasEntry = [&](Entry e, const float* computed) SUBSURF_INLINE {
-    fixedRead(e, c);
-    for (int i = 0; i < n; ++i) mask[i] = reduced[i] & c.due(i);
+    for (int i = 0; i < n; ++i) mask[i] = reduced[i] & dueNow[i];
     store(e, computed, mask);
-    for (int i = 0; i < n; ++i) mask[i] = (reduced[i] == 0) & (c.state[i] > kStateTyped);
+    const int* s = states(e);
+    for (int i = 0; i < n; ++i) mask[i] = (reduced[i] == 0) & (s[i] > kStateTyped);
     store(e, nullColumn, mask);
   };
+  due(read(Entry::Bg, fixedUnit(Entry::Bg), scratch), states(Entry::Bg), dueNow);
   gasEntry(Entry::Bg, bg);
+  due(read(Entry::Gvisc, fixedUnit(Entry::Gvisc), scratch), states(Entry::Gvisc), dueNow);
   gasEntry(Entry::Gvisc, gvisc);
-  fixedRead(Entry::Gdenres, c);
-  for (int i = 0; i < n; ++i) gdenres[i] = (reduced[i] & c.due(i)) ? gdenres[i] : c.value[i];
+  {
+    const float* given = read(Entry::Gdenres, fixedUnit(Entry::Gdenres), scratch);
+    due(given, states(Entry::Gdenres), dueNow);
+    for (int i = 0; i < n; ++i) gdenres[i] = (reduced[i] & dueNow[i]) ? gdenres[i] : given[i];
+  }
   gasEntry(Entry::Gdenres, gdenres);
   for (int i = 0; i < n; ++i) result[i] = kernels::gasHydrogenIndex(gdenres[i]);
+  due(read(Entry::Ghi, fixedUnit(Entry::Ghi), scratch), states(Entry::Ghi), dueNow);
   gasEntry(Entry::Ghi, result);
 }
 
