@@ -103,11 +103,26 @@ struct ChartBracket {
 
 // Upper bracket index: the first 1-based i in 2..n whose grid value exceeds
 // x, n when none does (outside). Counting the grid values at or below x gives
-// the same index without a data-dependent branch.
+// the same index without a data-dependent branch; the bracket's two grid
+// values are picked up on the way (selects rather than table look-ups, which
+// vector code would have to gather).
 template <int N>
-SUBSURF_FLUIDS_INLINE int upperBracket(const float (&grid)[N], float x, bool& outside) {
+SUBSURF_FLUIDS_INLINE int upperBracket(const float (&grid)[N], float x, bool& outside, float& lo,
+                                       float& hi) {
   int below = 0;
-  for (int g = 1; g < N; ++g) below += grid[g] <= x ? 1 : 0;
+  lo = grid[0];
+  hi = grid[1];
+  // Unrolled completely, so that loops over many readings see straight-line code.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC unroll 16
+#endif
+  for (int g = 1; g < N - 1; ++g) {
+    const bool atOrBelow = grid[g] <= x;
+    below += atOrBelow ? 1 : 0;
+    lo = atOrBelow ? grid[g] : lo;
+    hi = atOrBelow ? grid[g + 1] : hi;
+  }
+  below += grid[N - 1] <= x ? 1 : 0;  // beyond the grid the last interval stays
   outside = below == N - 1;
   return below == N - 1 ? N : below + 2;
 }
@@ -119,12 +134,13 @@ SUBSURF_FLUIDS_INLINE int upperBracket(const float (&grid)[N], float x, bool& ou
 SUBSURF_FLUIDS_INLINE float chartZ(float tpr, float ppr, int& status, ChartBracket& b) {
   const bool ok = (tpr > 0.0f) & (ppr > 0.0f);
   bool outT, outP;
-  b.row = upperBracket(kChartTemperatures, tpr, outT);
-  b.column = upperBracket(kChartPressures, ppr, outP);
+  float t0, t1, p0, p1;
+  b.row = upperBracket(kChartTemperatures, tpr, outT, t0, t1);
+  b.column = upperBracket(kChartPressures, ppr, outP, p0, p1);
   const int r0 = b.row - 2, r1 = b.row - 1;
   const int c0 = b.column - 2, c1 = b.column - 1;
-  b.ft = (tpr - kChartTemperatures[r0]) / (kChartTemperatures[r1] - kChartTemperatures[r0]);
-  b.fp = (ppr - kChartPressures[c0]) / (kChartPressures[c1] - kChartPressures[c0]);
+  b.ft = (tpr - t0) / (t1 - t0);
+  b.fp = (ppr - p0) / (p1 - p0);
   // Corners through a flat index (which vectorised loops can gather from).
   const float* flat = &kChart[0][0];
   const float z00 = flat[r0 * kChartColumns + c0], z10 = flat[r1 * kChartColumns + c0];
