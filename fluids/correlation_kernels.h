@@ -235,11 +235,18 @@ SUBSURF_FLUIDS_INLINE float formationVolumeFactor(float gor, float gg, float api
 }
 
 // Beggs-Robinson dead-oil viscosity at a temperature in degF.
-SUBSURF_FLUIDS_INLINE float deadViscosity(float api, float tF) {
+// (The temperature term, tF^-1.163, is a step of its own: a batch usually
+// takes every dead-oil viscosity at the same temperature, 60 degF, and then
+// works it out once.)
+SUBSURF_FLUIDS_INLINE float deadViscosityTerm(float tF) { return fmath::pow(tF, -1.163f); }
+SUBSURF_FLUIDS_INLINE float deadViscosity(float api, float tF, float term) {
   const bool ok = (api > 0.0f) & (tF > -200.0f);
-  const float x = fmath::pow(tF, -1.163f) * fmath::exp(6.9824f - 0.04658f * api);
+  const float x = term * fmath::exp(6.9824f - 0.04658f * api);
   const float mu = fmath::exp10(x) - 1.0f;
   return ok ? mu : kRealNull;
+}
+SUBSURF_FLUIDS_INLINE float deadViscosity(float api, float tF) {
+  return deadViscosity(api, tF, deadViscosityTerm(tF));
 }
 
 SUBSURF_FLUIDS_INLINE float deadViscosityAt(float known, float targetF, float referenceF) {

@@ -16,6 +16,7 @@
 #include "fluids/fluid_batch.h"
 
 #include <algorithm>
+#include <bit>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -81,8 +82,13 @@ void volumeFactor(In gor, In gg, In api, In tR, In p, In pb, Out out, int n) {
 }
 
 SUBSURF_SIMD_CLONES
-void deadViscosity(In api, In tF, Out out, int n) {
-  for (int i = 0; i < n; ++i) out[i] = kernels::deadViscosity(api[i], tF[i]);
+void deadViscosityTerm(In tF, Out out, int n) {
+  for (int i = 0; i < n; ++i) out[i] = kernels::deadViscosityTerm(tF[i]);
+}
+
+SUBSURF_SIMD_CLONES
+void deadViscosity(In api, In tF, In term, Out out, int n) {
+  for (int i = 0; i < n; ++i) out[i] = kernels::deadViscosity(api[i], tF[i], term[i]);
 }
 
 SUBSURF_SIMD_CLONES
@@ -336,7 +342,19 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
     for (int i = 0; i < n; ++i) oviscdt[i] = mask[i] ? 60.0f : given[i];
   }
   store(Entry::Oviscdt, oviscdt, mask);
-  batch_loops::deadViscosity(oden, oviscdt, result, n);
+  {
+    // Mostly the default temperature for every case: then one term serves all.
+    float viscosityTerm[kBlock];
+    Flag differs = 0;
+    const std::uint32_t firstBits = n > 0 ? std::bit_cast<std::uint32_t>(oviscdt[0]) : 0;
+    for (int i = 0; i < n; ++i) differs |= std::bit_cast<std::uint32_t>(oviscdt[i]) != firstBits;
+    if (differs) {
+      batch_loops::deadViscosityTerm(oviscdt, viscosityTerm, n);
+    } else if (n > 0) {
+      std::fill_n(viscosityTerm, n, kernels::deadViscosityTerm(oviscdt[0]));
+    }
+    batch_loops::deadViscosity(oden, oviscdt, viscosityTerm, result, n);
+  }
   {
     const float* given = read(Entry::Oviscd, fixedUnit(Entry::Oviscd), scratch);
     due(given, states(Entry::Oviscd), mask);
