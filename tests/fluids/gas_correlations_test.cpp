@@ -104,7 +104,9 @@ TEST(GasReducedDensity, ValuesAndRangeStatus) {
     const float rho = FC_GASRD(&tpr, &ppr, &st);
     EXPECT_EQ(st, c.status);
     EXPECT_TRUE(std::isfinite(rho));
-    if (!std::isnan(c.rho)) EXPECT_TRUE(nearRel(rho, c.rho, 1e-5));
+    if (!std::isnan(c.rho)) {
+      EXPECT_TRUE(nearRel(rho, c.rho, 1e-5));
+    }
     if (std::isnan(c.z)) continue;
     st = 99;
     EXPECT_TRUE(nearRel(FC_GASZ1(&tpr, &ppr, &st), c.z, 1e-5));
@@ -234,8 +236,12 @@ TEST(ZFactorChart, ExtrapolatesBeyondEachSide) {
     int st = 99;
     EXPECT_TRUE(nearRel(chart(c.tpr, c.ppr, st), c.z, c.rel));
     EXPECT_EQ(st, c.status);
-    if (c.row >= 0) EXPECT_EQ(zFactorChart().upperRow(), c.row);
-    if (c.column >= 0) EXPECT_EQ(zFactorChart().upperColumn(), c.column);
+    if (c.row >= 0) {
+      EXPECT_EQ(zFactorChart().upperRow(), c.row);
+    }
+    if (c.column >= 0) {
+      EXPECT_EQ(zFactorChart().upperColumn(), c.column);
+    }
   }
 }
 
