@@ -7,10 +7,12 @@
 // blends, and without fused multiply-adds, which would change results. Jump
 // threading and partial-redundancy elimination are off because, on these
 // long branch-free bodies, they reintroduce branches or mixed-width values
-// that stop GCC 12 from vectorising the loops.
+// that stop GCC 12 from vectorising the loops. Scheduling before register
+// allocation interleaves the long dependent chains of the polynomials (about
+// 4 per cent faster here).
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC optimize("O3", "no-trapping-math", "no-math-errno", "fp-contract=off")
-#pragma GCC optimize("no-thread-jumps", "no-tree-pre")
+#pragma GCC optimize("no-thread-jumps", "no-tree-pre", "schedule-insns", "sched-pressure")
 #endif
 
 #include "fluids/fluid_batch.h"
