@@ -185,7 +185,7 @@ FluidBatch::FluidBatch(const FluidTable& prototype, std::size_t cases) : prototy
 void FluidBatch::resize(std::size_t cases) {
   for (const EntryInfo& info : allEntries()) {
     values_[index(info.entry)].resize(cases, prototype_.storedValue(info.entry));
-    states_[index(info.entry)].resize(cases, prototype_.state(info.entry));
+    states_[index(info.entry)].resize(cases, batchState(prototype_.state(info.entry)));
   }
   size_ = cases;
 }
@@ -193,7 +193,7 @@ void FluidBatch::resize(std::size_t cases) {
 void FluidBatch::set(std::size_t row, Entry e, EntryUnit unit, float value, int state) {
   if (!prototype_.exists() || unit.iun < 0) return;
   const EntryUnit stored = prototype_.storedUnit(e);
-  states_[index(e)][row] = state;
+  states_[index(e)][row] = batchState(state);
   const bool asGiven = isNull(value) || unit.iun < 1 || unit.iun == stored.iun || stored.iun < 1;
   values_[index(e)][row] =
       asGiven ? value : FluidTable::convert(value, stored.iser, unit.iun, stored.iun);
@@ -247,26 +247,19 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   };
   auto fixedUnit = [&](Entry e) SUBSURF_INLINE { return prototype_.fixedUnit(e); };
   // Due for calculation: missing, or calculated before.
-  auto due = [&](const float* v, const int* s, Flag* out) SUBSURF_INLINE {
+  auto due = [&](const float* v, const BatchState* s, Flag* out) SUBSURF_INLINE {
     for (int i = 0; i < n; ++i) out[i] = isNull(v[i]) | (s[i] > kStateTyped);
   };
 
   // Stores values given in the entry's fixed unit where mask is set, as
-  // FluidTable::set does, with the given state (or each case's own when
-  // caseStates is given).
+  // FluidTable::set does; store() also marks them calculated, storeValues()
+  // leaves each case's state as it is.
   float converted[kBlock];
-  auto storeWith = [&](Entry e, const float* in, const Flag* mask, int state,
-                       const int* caseStates) SUBSURF_INLINE {
+  auto storeValues = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
     const EntryUnit unit = fixedUnit(e);
     if (unit.iun < 0) return;
     const EntryUnit stored = prototype_.storedUnit(e);
     float* v = column(e);
-    int* s = states(e);
-    if (caseStates) {
-      for (int i = 0; i < n; ++i) s[i] = mask[i] ? caseStates[i] : s[i];
-    } else {
-      for (int i = 0; i < n; ++i) s[i] = mask[i] ? state : s[i];
-    }
     if (asStored(stored, unit)) {
       for (int i = 0; i < n; ++i) v[i] = mask[i] ? in[i] : v[i];
       return;
@@ -276,7 +269,10 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
     for (int i = 0; i < n; ++i) v[i] = mask[i] ? (isNull(in[i]) ? in[i] : converted[i]) : v[i];
   };
   auto store = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
-    storeWith(e, in, mask, kStateCalculated, nullptr);
+    if (fixedUnit(e).iun < 0) return;
+    BatchState* s = states(e);
+    for (int i = 0; i < n; ++i) s[i] = mask[i] ? BatchState{kStateCalculated} : s[i];
+    storeValues(e, in, mask);
   };
 
   Flag mask[kBlock];
@@ -287,7 +283,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   const float* depth = read(Entry::Dres, fixedUnit(Entry::Dres), depthCopy);
   {
     const float* tres = read(Entry::Tres, degR, scratch);
-    const int* s = states(Entry::Tres);
+    const BatchState* s = states(Entry::Tres);
     for (int i = 0; i < n; ++i) {
       mask[i] = (isNull(tres[i]) | (s[i] > kStateTyped)) & (depth[i] >= -1000.0f);
     }
@@ -297,7 +293,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   float pres[kBlock];
   {
     const float* given = read(Entry::Pres, fixedUnit(Entry::Pres), scratch);
-    const int* s = states(Entry::Pres);
+    const BatchState* s = states(Entry::Pres);
     for (int i = 0; i < n; ++i) {
       mask[i] = (isNull(given[i]) | (s[i] > kStateTyped)) & (depth[i] >= -1000.0f);
       pres[i] = mask[i] ? kernels::hydrostaticPressure(depth[i]) : given[i];
@@ -310,7 +306,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   readCopy(Entry::Tsc, degR, tsc);
   readCopy(Entry::Psc, fixedUnit(Entry::Psc), psc);
   for (auto [e, standard] : {std::pair{Entry::Tsc, 60.0f}, std::pair{Entry::Psc, 14.7f}}) {
-    const int* s = states(e);
+    const BatchState* s = states(e);
     for (int i = 0; i < n; ++i) {
       mask[i] = s[i] > kStateTyped;
       result[i] = standard;
@@ -418,7 +414,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
       result[i] = kernels::clampFraction(fraction[i]);
       mask[i] = reduced[i] & (result[i] != fraction[i]);
     }
-    storeWith(e, result, mask, 0, states(e));  // each case keeps its state
+    storeValues(e, result, mask);  // each case keeps its state
   }
 
   batch_loops::chartZ(tpr, ppr, z, chartStatus, n);
@@ -447,7 +443,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   auto gasEntry = [&](Entry e, const float* computed) SUBSURF_INLINE {
     for (int i = 0; i < n; ++i) mask[i] = reduced[i] & dueNow[i];
     store(e, computed, mask);
-    const int* s = states(e);
+    const BatchState* s = states(e);
     for (int i = 0; i < n; ++i) mask[i] = (reduced[i] == 0) & (s[i] > kStateTyped);
     store(e, nullColumn, mask);
   };

@@ -11,11 +11,21 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "fluids/fluid_entries.h"
 
 namespace subsurf::fluids {
+
+// A case's entry state in a batch, kept in one byte (a batch of a million
+// cases reads and writes every state column, so their size is memory
+// traffic). States a calculation gives are 0 to 2 and anything above 1 counts
+// as calculated; states outside -128..127 are clamped, which keeps their meaning.
+using BatchState = std::int8_t;
+inline BatchState batchState(int state) {
+  return static_cast<BatchState>(state < -128 ? -128 : (state > 127 ? 127 : state));
+}
 
 class FluidBatch {
  public:
@@ -28,8 +38,8 @@ class FluidBatch {
   // Columns in the prototype's stored unit of each entry.
   float* values(Entry e) { return values_[index(e)].data(); }
   const float* values(Entry e) const { return values_[index(e)].data(); }
-  int* states(Entry e) { return states_[index(e)].data(); }
-  const int* states(Entry e) const { return states_[index(e)].data(); }
+  BatchState* states(Entry e) { return states_[index(e)].data(); }
+  const BatchState* states(Entry e) const { return states_[index(e)].data(); }
 
   // One case's entry from a value in a unit of the entry's series, as
   // FluidTable::set does it (unit from the prototype's unitOf()).
@@ -50,7 +60,7 @@ class FluidBatch {
   FluidTable prototype_;
   std::size_t size_ = 0;
   std::array<std::vector<float>, kEntryCount> values_;
-  std::array<std::vector<int>, kEntryCount> states_;
+  std::array<std::vector<BatchState>, kEntryCount> states_;
   // The last case whose z-factor was read from the chart, so that the chart's
   // remembered bracket ends as a case-by-case run would leave it.
   bool chartRead_ = false;
