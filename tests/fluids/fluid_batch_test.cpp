@@ -136,5 +136,22 @@ TEST(FluidBatch, NewCasesStartAsThePrototype) {
   EXPECT_EQ(third.state(Entry::Dres), kStateTyped);
 }
 
+// States are kept in a byte: larger ones are clamped and keep their meaning.
+TEST(FluidBatch, StatesBeyondAByteAreClampedAndKeepTheirMeaning) {
+  FluidTable prototype;
+  prototype.create(1);
+  FluidBatch batch(prototype, 1);
+  const EntryUnit ft = prototype.fixedUnit(Entry::Dres);
+  batch.set(0, Entry::Dres, ft, 8000.0f, -1000);  // typed, however odd
+  batch.set(0, Entry::Tres, prototype.fixedUnit(Entry::Tres), 500.0f, 1000);  // calculated
+  EXPECT_EQ(batch.states(Entry::Dres)[0], -128);
+  EXPECT_EQ(batch.states(Entry::Tres)[0], 127);
+  batch.calculateAll();
+  EXPECT_FLOAT_EQ(batch.values(Entry::Dres)[0], 8000.0f);
+  // 60 degF + 1.5 degF per 100 ft to 5000 ft, 1.2 below: recalculated.
+  EXPECT_FLOAT_EQ(batch.values(Entry::Tres)[0], 60.0f + 75.0f + 36.0f);
+  EXPECT_EQ(batch.states(Entry::Tres)[0], kStateCalculated);
+}
+
 }  // namespace
 }  // namespace subsurf::fluids
