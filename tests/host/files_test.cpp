@@ -25,7 +25,9 @@ TEST(AtomicFile, ReplacesTargetOnlyOnCommit) {
       ASSERT_TRUE(f.open(target));
       f.writeLine("new contents");
       EXPECT_EQ(TempDir::read(target), "old contents\n");  // untouched while writing
-      if (commit) ASSERT_TRUE(f.commit());
+      if (commit) {
+        ASSERT_TRUE(f.commit());
+      }
     }
     EXPECT_EQ(TempDir::read(target), commit ? "new contents\n" : "old contents\n");
     EXPECT_EQ(dir.list(), std::vector<std::string>{"session.slbs"});

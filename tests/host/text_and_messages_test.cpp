@@ -41,7 +41,9 @@ TEST(NumberText, ParsingWholeTextsOnly) {
                                     std::tuple{"12.5m", false, 0.0}, std::tuple{"", false, 0.0}}) {
     double d = 0;
     EXPECT_EQ(parseReal(text, d), ok) << text;
-    if (ok) EXPECT_EQ(d, expected) << text;
+    if (ok) {
+      EXPECT_EQ(d, expected) << text;
+    }
   }
   int i = 0;
   EXPECT_FALSE(parseInteger("1.5", i));
