@@ -2,15 +2,19 @@
 //
 // The correlations are defined in single precision, so each exp, log and
 // power is wanted as the single-precision value nearest to the true one.
-// These routines work in double precision internally (relative error a few
-// units of 1e-16) and round once, which gives that nearest value except in
-// the rare case where the true value lies within about 1e-8 of a unit in the
-// last place of the midpoint between two floats. The C library's own powf is
-// slightly less careful (it rounds the wrong way in a few cases in ten
-// thousand), so using one definition everywhere also keeps a case computed
-// alone and the same case computed in a batch bit-for-bit equal. Every
-// operation is an IEEE one (no contraction, fused multiply-adds only where
-// written), so the bits do not depend on the instruction set either.
+// These routines work in double precision internally and round once. The
+// double exponential has a relative error below 1.4e-14 (a short polynomial:
+// the batch loops are bound by their arithmetic), the double logarithm one of
+// a few units of 1e-16, so the rounding gives that nearest value except in the
+// rare case where the true value lies closer to the midpoint between two
+// floats than the double's error, a few units of 1e-7 of a unit in the last
+// place: for exp, exp10 and pow about one result in ten million, for log far
+// fewer. The C library's own powf is slightly less careful (it rounds the
+// wrong way in a few cases in ten thousand), so using one definition
+// everywhere also keeps a case computed alone and the same case computed in a
+// batch bit-for-bit equal. Every operation is an IEEE one (no contraction,
+// fused multiply-adds only where written), so the bits do not depend on the
+// instruction set either.
 //
 // Everything here is branch-free straight-line code: the batch calculation
 // runs it in loops that the compiler turns into SIMD code.
@@ -77,23 +81,27 @@ SUBSURF_FLUIDS_INLINE double expWide(double x) {
   const double k = t - kShifter;
   // r = x - k ln 2, |r| <= ln2 / 2: each fma rounds once, on the small result.
   const double r = fma(-k, kLn2Lo, fma(-k, kLn2Hi, xc));
-  // Taylor series of e^r to r^13 / 13! (the first omitted term is below
-  // 1e-17), summed in pairs (Estrin's scheme) so that the terms are formed
-  // side by side rather than one after another.
+  // e^r by the polynomial of degree 9 with the smallest largest relative
+  // error on [-ln2/2, ln2/2] (Remez; scripts/fit_polynomials.py prints the
+  // coefficients): relative error below 1.36e-14 there, the coefficients'
+  // rounding to double included; a Taylor series needs two more terms for
+  // that. Summed in pairs (Estrin's scheme) so that the terms are formed side
+  // by side rather than one after another.
+  constexpr double c0 = 0x1.0000000000039p+0, c1 = 0x1.ffffffffffc3ap-1;
+  constexpr double c2 = 0x1.ffffffffe8295p-2, c3 = 0x1.55555555bb649p-3;
+  constexpr double c4 = 0x1.555555879bab3p-5, c5 = 0x1.1111105b5e0eap-7;
+  constexpr double c6 = 0x1.6c162d92756c3p-10, c7 = 0x1.a01bc27002c89p-13;
+  constexpr double c8 = 0x1.a17c025e6b7c9p-16, c9 = 0x1.70dc13f82c86ap-19;
   const double r2 = r * r, r4 = r2 * r2, r8 = r4 * r4;
-  const double a01 = 1.0 + r;
-  const double a23 = fma(r, 1.0 / 6.0, 0.5);
-  const double a45 = fma(r, 1.0 / 120.0, 1.0 / 24.0);
-  const double a67 = fma(r, 1.0 / 5040.0, 1.0 / 720.0);
-  const double a89 = fma(r, 1.0 / 362880.0, 1.0 / 40320.0);
-  const double a1011 = fma(r, 1.0 / 39916800.0, 1.0 / 3628800.0);
-  const double a1213 = fma(r, 1.0 / 6227020800.0, 1.0 / 479001600.0);
+  const double a01 = fma(r, c1, c0);
+  const double a23 = fma(r, c3, c2);
+  const double a45 = fma(r, c5, c4);
+  const double a67 = fma(r, c7, c6);
+  const double a89 = fma(r, c9, c8);
   const double a03 = fma(r2, a23, a01);
   const double a47 = fma(r2, a67, a45);
-  const double a811 = fma(r2, a1011, a89);
-  const double a813 = fma(r4, a1213, a811);
   const double a07 = fma(r4, a47, a03);
-  const double p = fma(r8, a813, a07);
+  const double p = fma(r8, a89, a07);
   // Scale by 2^k: the low bits of t hold k, and shifting them into the
   // exponent field adds k to p's exponent (|k| <= 174 keeps it normal).
   const std::uint64_t scaled =
@@ -117,21 +125,26 @@ SUBSURF_FLUIDS_INLINE double logWide(double x) {
   // instruction sets lack): add it to the mantissa of 1.5 * 2^52.
   const double kd =
       bitsAs<double>(static_cast<std::uint64_t>(k) + 0x4338000000000000ULL) - 0x1.8p52;
-  // log z = 2 atanh(s) with s = (z - 1) / (z + 1), |s| < 0.172: the series
-  // 2s (1 + s^2/3 + s^4/5 + ...) to s^21 (the first omitted term is below
-  // 1e-17 of the sum), in powers of w = s^2 summed in pairs.
+  // log z = 2 atanh(s) = s q(w) with s = (z - 1) / (z + 1), |s| < 0.1716,
+  // and w = s^2 < 0.02944, where q(w) = 2 atanh(sqrt w) / sqrt w is the series
+  // 2 (1 + w/3 + w^2/5 + ...). q by the polynomial of degree 6 in w with the
+  // smallest largest relative error on [0, 0.02944] (Remez;
+  // scripts/fit_polynomials.py prints the coefficients): relative error below
+  // 2.3e-16 there, the coefficients' rounding to double included, where the
+  // series needs ten terms. Summed in pairs.
+  constexpr double c0 = 0x1.0000000000001p+1, c1 = 0x1.5555555552d0cp-1;
+  constexpr double c2 = 0x1.999999a442662p-2, c3 = 0x1.249240b0c5295p-2;
+  constexpr double c4 = 0x1.c722d0e9280c7p-3, c5 = 0x1.7322a70e4be12p-3;
+  constexpr double c6 = 0x1.58db468358a55p-3;
   const double f = z - 1.0;  // exact
   const double s = f / (2.0 + f);
-  const double w = s * s, w2 = w * w, w4 = w2 * w2, w8 = w4 * w4;
-  const double a01 = fma(w, 2.0 / 3.0, 2.0);
-  const double a23 = fma(w, 2.0 / 7.0, 2.0 / 5.0);
-  const double a45 = fma(w, 2.0 / 11.0, 2.0 / 9.0);
-  const double a67 = fma(w, 2.0 / 15.0, 2.0 / 13.0);
-  const double a89 = fma(w, 2.0 / 19.0, 2.0 / 17.0);
+  const double w = s * s, w2 = w * w, w4 = w2 * w2;
+  const double a01 = fma(w, c1, c0);
+  const double a23 = fma(w, c3, c2);
+  const double a45 = fma(w, c5, c4);
   const double a03 = fma(w2, a23, a01);
-  const double a47 = fma(w2, a67, a45);
-  const double a810 = fma(w2, 2.0 / 21.0, a89);
-  const double q = fma(w8, a810, fma(w4, a47, a03));
+  const double a46 = fma(w2, c6, a45);
+  const double q = fma(w4, a46, a03);
   const double y = fma(kd, kLn2Hi, fma(kd, kLn2Lo, s * q));
 
   constexpr double kInf = std::numeric_limits<double>::infinity();
