@@ -4,7 +4,8 @@
 //
 // Loops here are compiled for speed: vectorised, with floating-point traps
 // assumed off (nothing reads the exception flags) so that selections become
-// blends, and without fused multiply-adds, which would change results. Jump
+// blends, and with no multiply-adds contracted (the math writes its fused
+// ones out; contracting others would change results). Jump
 // threading and partial-redundancy elimination are off because, on these
 // long branch-free bodies, they reintroduce branches or mixed-width values
 // that stop GCC 12 from vectorising the loops. Scheduling before register
