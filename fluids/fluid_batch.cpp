@@ -33,12 +33,15 @@
 #include "units/units_registry.h"
 
 // The correlation loops are compiled for AVX-512, for AVX2 with FMA (the
-// Haswell set) and for the baseline. Code compiled for a named processor
-// only takes in functions forced inline, which everything the kernels call
-// is. The block's bookkeeping calls ordinary functions, so its versions name
+// x86-64-v3 level) and for the baseline. The level must be named as such:
+// "arch=haswell" would be chosen only on Haswell processors themselves, and
+// every other AVX2 machine would run the baseline, which calls the C library
+// for each fma (ten times slower). Code compiled for a named level only takes
+// in functions forced inline, which everything the kernels call is. The
+// block's bookkeeping calls ordinary functions, so its versions name
 // instruction sets only.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
-#define SUBSURF_SIMD_CLONES [[gnu::target_clones("avx512f", "arch=haswell", "default")]]
+#define SUBSURF_SIMD_CLONES [[gnu::target_clones("avx512f", "arch=x86-64-v3", "default")]]
 #define SUBSURF_BLOCK_CLONES [[gnu::target_clones("avx512f", "avx2", "default")]]
 #else
 #define SUBSURF_SIMD_CLONES
