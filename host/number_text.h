@@ -16,6 +16,14 @@ std::string formatReal(double value, int code);
 // General notation with about 6 significant digits and no trailing zeros.
 inline std::string formatCompact(double value) { return formatReal(value, -6); }
 
+// Appends a single-precision value in general notation with six significant
+// digits and no trailing zeros, exactly as printf's "%g" (and fmt's "{:g}")
+// writes it: "8180.34", "0.000303463", "1.5e+07", "-0". Nulls are not special
+// here. Meant for tables of millions of values: the usual case takes a few
+// arithmetic steps, and only a value lying within a hair of a rounding tie
+// goes through the general formatter.
+void appendGeneralFloat(std::string& out, float value);
+
 // Read a whole text (surrounding blanks allowed) as a number; false when it is not one.
 bool parseInteger(std::string_view text, int& out);
 bool parseReal(std::string_view text, double& out);

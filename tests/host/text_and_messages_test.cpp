@@ -1,7 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <string>
 #include <tuple>
+
+#include <fmt/format.h>
 
 #include "host/guarded_math.h"
 #include "host/messages.h"
@@ -33,6 +38,37 @@ TEST(NumberText, FormatCodes) {
       {30.48, -6, "30.48"},         {100.0, -6, "100"},         {1234.5678, -6, "1234.57"}, {0.000123456789, -6, "0.000123457"},
       {15000000.0, -6, "1.5e+07"}, {1234.5, 2, "1234.50"},     {-0.0, -6, "0"},            {kRealNull, -6, ""}};
   for (const auto& [value, code, text] : cases) EXPECT_EQ(formatReal(value, code), text) << value << " code " << code;
+}
+
+// The fast general notation must write exactly what the general formatter
+// writes, rounding ties, powers of ten and the switch to exponents included.
+TEST(NumberText, GeneralFloatTextIsTheFormattersText) {
+  auto fast = [](float v) {
+    std::string s;
+    appendGeneralFloat(s, v);
+    return s;
+  };
+  const std::tuple<float, const char*> cases[] = {
+      {8180.34f, "8180.34"},   {0.000303463f, "0.000303463"}, {1.5e7f, "1.5e+07"}, {-0.0f, "-0"},
+      {999999.5f, "1e+06"},    {0.0001f, "0.0001"},           {9.99999e-5f, "9.99999e-05"},
+      {123456.5f, "123456"},   {1234565.0f, "1.23456e+06"},   {-2.5e-38f, "-2.5e-38"},
+      {1e-45f, "1.4013e-45"}, {3.4028235e38f, "3.40282e+38"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(fast(value), text) << value;
+
+  // Values spread over every exponent (random bit patterns), and the values
+  // whose seventh digit is a 5 or close to it.
+  std::uint32_t state = 12345u;
+  int differing = 0;
+  for (int i = 0; i < 400000; ++i) {
+    state = state * 1664525u + 1013904223u;
+    float v;
+    std::memcpy(&v, &state, sizeof v);
+    if (!std::isfinite(v)) continue;
+    differing += fast(v) != fmt::format("{:g}", v);
+    const float tie = static_cast<float>((static_cast<int>(state % 9000000u) + 1000000) * 10 + 5) * 1e-3f;
+    differing += fast(tie) != fmt::format("{:g}", tie);
+  }
+  EXPECT_EQ(differing, 0);
 }
 
 // Only whole texts are numbers; surrounding blanks are allowed.
