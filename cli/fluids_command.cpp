@@ -3,20 +3,18 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cli_support.h"
+#include "fluids_batch_command.h"
 #include "fluids/calculate_all.h"
 #include "fluids/fluid_batch.h"
 #include "fluids/fluid_entries.h"
@@ -51,22 +49,6 @@ std::string numberText(float v) {
   return fmt::format("{:g}", v);
 }
 
-// Reads a whole cell as a number; nothing else may follow it.
-std::optional<float> readNumber(const std::string& text) {
-  const std::string t = trimBlanks(text);
-  if (t.empty()) return std::nullopt;
-  errno = 0;
-  char* end = nullptr;
-  const double d = std::strtod(t.c_str(), &end);
-  if (end != t.c_str() + t.size() || errno == ERANGE || !std::isfinite(d)) return std::nullopt;
-  return static_cast<float>(d);
-}
-
-std::string notAUnitMessage(Entry e, const std::string& unit) {
-  const fluids::EntryInfo& info = fluids::entryInfo(e);
-  return fmt::format("\"{}\" is not a unit of {} (entry \"{}\")", unit, info.series, info.name);
-}
-
 // One value to type into an entry, as given on the command line or in a cell.
 struct GivenValue {
   Entry entry;
@@ -94,7 +76,7 @@ std::optional<GivenValue> parseSet(const FluidTable& table, const std::string& a
     error = fmt::format("Unknown entry \"{}\"", name);
     return std::nullopt;
   }
-  const auto value = readNumber(valueText);
+  const auto value = readEntryNumber(valueText);
   if (!value) {
     error = fmt::format("Cannot read \"{}\" as a number for entry \"{}\"", trimBlanks(valueText),
                         name);
@@ -154,161 +136,6 @@ void printJson(const FluidTable& table, const std::string& units, std::ostream& 
   os << nlohmann::ordered_json{{"units", units}, {"forms", forms}}.dump(2) << "\n";
 }
 
-// Splits one CSV line; quoted cells may hold commas and doubled quotes.
-std::vector<std::string> splitCsv(const std::string& line) {
-  std::vector<std::string> cells;
-  std::string cell;
-  bool quoted = false;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const char c = line[i];
-    if (quoted) {
-      if (c == '"' && i + 1 < line.size() && line[i + 1] == '"') {
-        cell += '"';
-        ++i;
-      } else if (c == '"') {
-        quoted = false;
-      } else {
-        cell += c;
-      }
-    } else if (c == '"') {
-      quoted = true;
-    } else if (c == ',') {
-      cells.push_back(trimBlanks(cell));
-      cell.clear();
-    } else if (c != '\r') {
-      cell += c;
-    }
-  }
-  cells.push_back(trimBlanks(cell));
-  return cells;
-}
-
-// A header cell "name" or "name[unit]".
-struct Column {
-  Entry entry;
-  EntryUnit unit;
-};
-
-std::string headerOf(const FluidTable& table, Entry e) {
-  const std::string unit = table.storedUnitName(e);
-  const char* name = fluids::entryInfo(e).name;
-  return trimBlanks(unit).empty() ? std::string(name) : fmt::format("{}[{}]", name, unit);
-}
-
-int runBatch(const FluidsOptions& opt, const FluidTable& prototype) {
-  std::ifstream in(opt.batch);
-  if (!in) {
-    std::cerr << fmt::format("subsurf fluids: cannot open \"{}\"\n", opt.batch);
-    return kExitBadInput;
-  }
-  std::string line;
-  std::size_t row = 0;
-  std::vector<Column> columns;
-  bool haveHeader = false;
-  while (!haveHeader && std::getline(in, line)) {
-    ++row;
-    if (trimBlanks(line).empty()) continue;
-    haveHeader = true;
-    bool bad = false;
-    std::size_t col = 0;
-    for (const std::string& cell : splitCsv(line)) {
-      ++col;
-      std::string name = cell, unit;
-      if (const auto open = cell.find('['); open != std::string::npos) {
-        const auto close = cell.find(']', open);
-        name = trimBlanks(cell.substr(0, open));
-        unit = trimBlanks(cell.substr(open + 1, close == std::string::npos ? std::string::npos
-                                                                            : close - open - 1));
-      }
-      const auto entry = fluids::findEntry(name);
-      if (!entry) {
-        std::cerr << fmt::format("subsurf fluids: {} column {}: Unknown entry \"{}\"\n",
-                                 opt.batch, col, name);
-        bad = true;
-        continue;
-      }
-      const auto u = prototype.unitOf(*entry, unit);
-      if (!u) {
-        std::cerr << fmt::format("subsurf fluids: {} column {}: {}\n", opt.batch, col,
-                                 notAUnitMessage(*entry, unit));
-        bad = true;
-        continue;
-      }
-      columns.push_back({*entry, *u});
-    }
-    if (bad) return kExitBadInput;
-  }
-  if (!haveHeader) {
-    std::cerr << fmt::format("subsurf fluids: \"{}\" has no header row\n", opt.batch);
-    return kExitBadInput;
-  }
-
-  std::unique_ptr<std::ofstream> file;
-  std::ostream* out = &std::cout;
-  if (!opt.out.empty()) {
-    file = std::make_unique<std::ofstream>(opt.out);
-    if (!*file) {
-      std::cerr << fmt::format("subsurf fluids: cannot write \"{}\"\n", opt.out);
-      return kExitBadInput;
-    }
-    out = file.get();
-  }
-
-  std::string text;
-  for (const fluids::EntryInfo& info : fluids::allEntries()) {
-    if (!text.empty()) text += ',';
-    text += headerOf(prototype, info.entry);
-  }
-  *out << text << "\n";
-
-  // Every case is read first, then all are calculated together.
-  fluids::FluidBatch batch(prototype);
-  std::vector<bool> valid;
-  while (std::getline(in, line)) {
-    ++row;
-    if (trimBlanks(line).empty()) continue;
-    const std::size_t k = batch.size();
-    batch.resize(k + 1);
-    valid.push_back(true);
-    const std::vector<std::string> cells = splitCsv(line);
-    if (cells.size() > columns.size()) {
-      std::cerr << fmt::format("subsurf fluids: {} row {}: {} cells for {} columns\n", opt.batch,
-                               row, cells.size(), columns.size());
-      valid[k] = false;
-    }
-    for (std::size_t c = 0; c < cells.size() && c < columns.size(); ++c) {
-      if (cells[c].empty()) continue;  // not given: calculated
-      const auto v = readNumber(cells[c]);
-      if (!v) {
-        std::cerr << fmt::format(
-            "subsurf fluids: {} row {}, column {} ({}): cannot read \"{}\" as a number\n",
-            opt.batch, row, c + 1, fluids::entryInfo(columns[c].entry).name, cells[c]);
-        valid[k] = false;
-        continue;
-      }
-      batch.set(k, columns[c].entry, columns[c].unit, *v, fluids::kStateTyped);
-    }
-  }
-  batch.calculateAll();
-
-  int exitCode = kExitOk;
-  for (std::size_t k = 0; k < batch.size(); ++k) {
-    text.clear();
-    if (valid[k]) {
-      for (const fluids::EntryInfo& info : fluids::allEntries()) {
-        if (info.entry != Entry::Dres) text += ',';
-        text += numberText(batch.values(info.entry)[k]);
-      }
-    } else {
-      // The case cannot be trusted: every result stays empty.
-      text.assign(fluids::kEntryCount - 1, ',');
-      exitCode = kExitPartial;
-    }
-    *out << text << "\n";
-  }
-  return exitCode;
-}
-
 int runFluids(const FluidsOptions& opt) {
   FluidTable table;
   table.create(unitSystemOf(opt.units));
@@ -334,7 +161,7 @@ int runFluids(const FluidsOptions& opt) {
   }
   if (bad) return kExitBadInput;
 
-  if (!opt.batch.empty()) return runBatch(opt, table);
+  if (!opt.batch.empty()) return runFluidsBatch(opt.batch, opt.out, table);
 
   int exitCode = kExitOk;
   if (calcEntry) {

@@ -4,9 +4,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "fluids/fluid_test_support.h"
 #include "support/run_program.h"
@@ -144,6 +146,77 @@ TEST_F(FluidsCommand, BatchGivesEveryEntryPerCaseAndReportsBadCells) {
   EXPECT_TRUE(nearRel(static_cast<float>(z), 0.8621235022251834, kChainRel));
   // 5000 ft: 135 degF; no gas-oil ratio, so no bubble point.
   EXPECT_TRUE(third.starts_with("5000,135,2200,60,14.7,35,0.75,,,")) << third;
+}
+
+// Cases are calculated a chunk at a time; a case in a later chunk must start
+// from the defaults again, not from what the case before it in the same
+// place of the previous chunk was given.
+TEST_F(FluidsCommand, BatchCasesPastTheFirstChunkStartAfresh) {
+  constexpr int kRows = 40000, kPeriod = 97, kStaleRow = 32768 + 5;
+  std::string csv = "dres,oden,sgden,solgor,gden\n";
+  for (int r = 0; r < kRows; ++r) {
+    const int k = r % kPeriod;
+    const std::string gor = r == kStaleRow ? "" : std::to_string(200 + 10 * k);
+    csv += fmt::format("{},{},0.75,{},0.7\n", 3000 + 50 * k, 20 + k % 30, gor);
+  }
+  csv += "9000,x,0.75,500,0.7\n";
+  const std::string in = tmp.write("many.csv", csv), out = tmp.file("many-out.csv");
+  const Outcome r = run("--batch " + in + " --out " + out);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find(fmt::format("row {}, column 2 (oden): cannot read \"x\"", kRows + 2)),
+            std::string::npos)
+      << r.err;
+
+  std::vector<std::string> rows;
+  std::istringstream lines(subsurf::testing::TempDir::read(out));
+  for (std::string line; std::getline(lines, line);) rows.push_back(line);
+  ASSERT_EQ(rows.size(), static_cast<std::size_t>(kRows + 2));
+  // Rows a whole number of periods apart have the same cases.
+  for (int row : {5, 32767, 32768, 32769, kRows - 1}) {
+    if (row == kStaleRow) continue;
+    EXPECT_EQ(rows[row + 1], rows[row % kPeriod + 1]) << "case " << row;
+  }
+  // No gas-oil ratio: no bubble point, though the case in the same place of
+  // the first chunk had one.
+  const std::string stale = rows[kStaleRow + 1];
+  const std::size_t solgorField = 7, pbubbleField = 8;
+  std::vector<std::string> fields;
+  std::istringstream cells(stale);
+  for (std::string cell; std::getline(cells, cell, ',');) fields.push_back(cell);
+  EXPECT_EQ(fields.at(solgorField), "");
+  EXPECT_EQ(fields.at(pbubbleField), "");
+  EXPECT_NE(rows[kStaleRow % kPeriod + 1], stale);
+  EXPECT_EQ(rows.back(), std::string(22, ','));
+}
+
+// The results file appears only once complete, and a folder that cannot be
+// written to is named.
+TEST_F(FluidsCommand, BatchResultsFileIsWrittenWhole) {
+  const std::string in = tmp.write("cases.csv", "dres,oden\n8000,35\n");
+  const std::string out = tmp.write("out.csv", "an older results file\n");
+  const Outcome ok = run("--batch " + in + " --out " + out);
+  ASSERT_EQ(ok.status, 0) << ok.err;
+  EXPECT_TRUE(subsurf::testing::TempDir::read(out).starts_with("dres[ft],tres[degf]"));
+  EXPECT_EQ(tmp.list(), (std::vector<std::string>{"cases.csv", "out.csv"}));
+
+  const std::string nowhere = tmp.file("no-such-folder/out.csv");
+  const Outcome bad = run("--batch " + in + " --out " + nowhere);
+  EXPECT_EQ(bad.status, 2);
+  EXPECT_NE(bad.err.find("cannot write \"" + nowhere + "\""), std::string::npos) << bad.err;
+}
+
+// Numbers are whole decimal texts that single precision can hold.
+TEST_F(FluidsCommand, GivenNumbersMustBeDecimalAndFitSinglePrecision) {
+  for (const char* text : {"1e39", "0x10", "nan", "inf", "12,5"}) {
+    const Outcome r = run(fmt::format("--set \"dres={}\"", text));
+    EXPECT_EQ(r.status, 2) << text;
+    EXPECT_NE(r.err.find(fmt::format("Cannot read \"{}\" as a number for entry \"dres\"", text)),
+              std::string::npos)
+        << r.err;
+  }
+  const Outcome r = run("--set dres=+5000 --calc tres --json");
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(entry(nlohmann::json::parse(r.out), "tres")["value"], 135.0);
 }
 
 TEST_F(FluidsCommand, BatchHeaderErrorsStopTheRun) {
