@@ -191,6 +191,8 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
   std::optional<std::vector<Column>> header;
   while (!header && std::getline(in, line)) {
     ++row;
+    // Spreadsheets saving "CSV UTF-8" put a byte-order mark before the header.
+    if (row == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
     if (trimmed(line).empty()) continue;
     splitCsv(line, cells, unquoted);
     header = readHeader(cells, inPath, prototype);

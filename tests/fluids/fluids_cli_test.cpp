@@ -189,6 +189,14 @@ TEST_F(FluidsCommand, BatchCasesPastTheFirstChunkStartAfresh) {
   EXPECT_EQ(rows.back(), std::string(22, ','));
 }
 
+// Spreadsheets saving "CSV UTF-8" start the file with a byte-order mark.
+TEST_F(FluidsCommand, BatchHeaderMayFollowAByteOrderMark) {
+  const std::string in = tmp.write("excel.csv", "\xEF\xBB\xBF" "dres[m],oden\r\n1524,35\r\n");
+  const Outcome r = run("--batch " + in);
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.out.find("\n5000,135,2200,"), std::string::npos) << r.out;
+}
+
 // The results file appears only once complete, and a folder that cannot be
 // written to is named.
 TEST_F(FluidsCommand, BatchResultsFileIsWrittenWhole) {
