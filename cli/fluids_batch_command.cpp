@@ -11,6 +11,7 @@
 #include "cli_support.h"
 #include "fluids/fluid_batch.h"
 #include "host/atomic_file.h"
+#include "host/csv_row.h"
 #include "host/fixed_text.h"
 #include "host/nulls.h"
 #include "host/number_text.h"
@@ -27,16 +28,9 @@ using fluids::FluidTable;
 // the calculation to run at full speed.
 constexpr std::size_t kChunkCases = 32768;
 
-std::string_view trimmed(std::string_view s) {
-  std::size_t b = 0, e = s.size();
-  while (b < e && (s[b] == ' ' || s[b] == '\t' || s[b] == '\r')) ++b;
-  while (e > b && (s[e - 1] == ' ' || s[e - 1] == '\t' || s[e - 1] == '\r')) --e;
-  return s.substr(b, e - b);
-}
-
-// Splits one CSV line into blank-trimmed cells. A quoted cell may hold commas
-// and doubled quotes; such lines are rare and are unquoted into `unquoted`,
-// which the cells then point into.
+// Splits one CSV line into blank-trimmed cells. Lines with quotes (cells
+// holding commas or quotes) are rare and go through the keyword files' CSV
+// reader, whose unquoted texts the cells then point into.
 void splitCsv(std::string_view line, std::vector<std::string_view>& cells,
               std::vector<std::string>& unquoted) {
   cells.clear();
@@ -44,36 +38,17 @@ void splitCsv(std::string_view line, std::vector<std::string_view>& cells,
     std::size_t start = 0;
     for (;;) {
       const std::size_t comma = line.find(',', start);
-      cells.push_back(trimmed(line.substr(start, comma - start)));
+      cells.push_back(trimmedBlanks(line.substr(start, comma - start)));
       if (comma == std::string_view::npos) return;
       start = comma + 1;
     }
   }
+  const CsvRow row = CsvRow::parse(line);
   unquoted.clear();
-  std::string cell;
-  bool quoted = false;
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    const char c = line[i];
-    if (quoted) {
-      if (c == '"' && i + 1 < line.size() && line[i + 1] == '"') {
-        cell += '"';
-        ++i;
-      } else if (c == '"') {
-        quoted = false;
-      } else {
-        cell += c;
-      }
-    } else if (c == '"') {
-      quoted = true;
-    } else if (c == ',') {
-      unquoted.push_back(trimBlanks(cell));
-      cell.clear();
-    } else if (c != '\r') {
-      cell += c;
-    }
+  for (int column = 1; column <= static_cast<int>(row.size()); ++column) {
+    unquoted.push_back(row.field(column));
   }
-  unquoted.push_back(trimBlanks(cell));
-  for (const std::string& s : unquoted) cells.push_back(s);
+  for (const std::string& s : unquoted) cells.push_back(trimmedBlanks(s));
 }
 
 // A header cell "name" or "name[unit]".
@@ -193,7 +168,7 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
     ++row;
     // Spreadsheets saving "CSV UTF-8" put a byte-order mark before the header.
     if (row == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
-    if (trimmed(line).empty()) continue;
+    if (trimmedBlanks(line).empty()) continue;
     splitCsv(line, cells, unquoted);
     header = readHeader(cells, inPath, prototype);
     if (!header) return kExitBadInput;
@@ -229,7 +204,7 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
     std::size_t k = 0;
     while (k < kChunkCases && (more = static_cast<bool>(std::getline(in, line)))) {
       ++row;
-      if (trimmed(line).empty()) continue;
+      if (trimmedBlanks(line).empty()) continue;
       splitCsv(line, cells, unquoted);
       if (cells.size() > columns.size()) {
         std::cerr << fmt::format("subsurf fluids: {} row {}: {} cells for {} columns\n", inPath,

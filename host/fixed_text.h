@@ -35,12 +35,15 @@ inline std::string fixedText(const char* field, std::size_t width) {
 template <std::size_t N>
 inline std::string fixedText(const char (&field)[N]) { return fixedText(field, N); }
 
-inline std::string trimBlanks(std::string_view s) {
+// The text without the blanks, tabs and line ends around it.
+inline std::string_view trimmedBlanks(std::string_view s) {
   std::size_t b = 0, e = s.size();
   while (b < e && (s[b] == ' ' || s[b] == '\t' || s[b] == '\r' || s[b] == '\n')) ++b;
   while (e > b && (s[e - 1] == ' ' || s[e - 1] == '\t' || s[e - 1] == '\r' || s[e - 1] == '\n')) --e;
-  return std::string(s.substr(b, e - b));
+  return s.substr(b, e - b);
 }
+
+inline std::string trimBlanks(std::string_view s) { return std::string(trimmedBlanks(s)); }
 
 inline std::string lowerCase(std::string_view s) {
   std::string out(s);
