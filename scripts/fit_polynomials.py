@@ -1,29 +1,38 @@
 #!/usr/bin/env python3
 """Near-minimax polynomials for the exp and log kernels of fluids/float_math.h.
 
-expWide reduces e^x to e^r with |r| <= ln2/2, and logWide reduces log x to
-2 atanh(s) = s * q(w) with w = s^2 in [0, (3 - 2 sqrt 2)^2] (about 0.02944),
-where q(w) = 2 atanh(sqrt w) / sqrt w = 2 (1 + w/3 + w^2/5 + ...). This script
-finds, for a range of degrees, the polynomial of each degree with the smallest
-largest *relative* error on its interval (Remez exchange, started from the
-Chebyshev extrema), rounds the coefficients to double, measures the largest
-relative error of that double-coefficient polynomial on a dense grid in
-80-digit decimal arithmetic, and prints the coefficients of the lowest degree
-that meets the error bound as C++ hex-float literals.
+Both kernels work in single precision and carry the roundings that matter
+beside the result, so their polynomials only need to be good to about a
+hundredth of a float's last place where they enter the result.
+
+expReduced computes e^r = 1 + r + r^2 q(r) for |r| <= ln2/2, with
+q(r) = (e^r - 1 - r) / r^2 = 1/2 + r/6 + r^2/24 + ...
+
+logOnePlus computes log(1 + f) = f - f^2/2 + s (f^2/2 + w r(w)), with
+s = f / (2 + f) and w = s^2 in [0, (3 - 2 sqrt 2)^2] (about 0.02944), where
+r(w) = (q(w) - 2) / w = 2 (1/3 + w/5 + w^2/7 + ...) and q(w) = 2 atanh(sqrt w)
+/ sqrt w.
+
+This script finds, for a range of degrees, the polynomial of each degree with
+the smallest largest *relative* error on its interval (Remez exchange,
+started from the Chebyshev extrema), rounds the coefficients to single
+precision, measures the largest relative error of that float-coefficient
+polynomial on a dense grid in 80-digit decimal arithmetic, and prints the
+coefficients of the lowest degree that meets the error bound as C++ hex-float
+literals.
 
 The Remez steps (the linear systems and the reference values of the
 functions) run in 80-digit decimal arithmetic; only the search for the
 extrema of the error curve uses numpy.longdouble (64-bit mantissa), which is
 ample for locating them: the maximum of the error is flat there.
 
-The default bound, 1.5e-14, is what the single-precision results can carry:
-the rounding to float then goes the wrong way for about one result in ten
-million, and pow's double product y * log x already has errors of that size
-for large results. Degree 9 for e^r (1.36e-14) and degree 6 for q (2.2e-16;
-degree 5 would give 2.7e-14) are what it selects.
+The bounds: q's error is multiplied by r^2 q / e^r, at most 0.07, and 1.1e-8
+(degree 5) moves e^r by under a hundredth of a float's last place, where
+degree 4 (1.3e-7) would move it by a sixth. r's error is multiplied by at most
+0.0035 (s w r / log(1 + f)), so 3e-7 (degree 2) is ample.
 
-Standard library and NumPy only; takes about two minutes. Usage:
-    python3 scripts/fit_polynomials.py [--bound 1.5e-14] [--points 200001]
+Standard library and NumPy only; takes a few seconds. Usage:
+    python3 scripts/fit_polynomials.py [--points 20001]
 """
 
 import argparse
@@ -39,14 +48,6 @@ LD = np.longdouble
 # ---------------------------------------------------------------------------
 # The functions, in high precision (Decimal) and in long double (for the scan).
 
-def exp_dec(r):
-    return r.exp()
-
-
-def exp_ld(r):
-    return np.exp(r)
-
-
 def q_dec(w):
     """2 atanh(sqrt w) / sqrt w = sum 2 w^k / (2k + 1), for 0 <= w < 0.1."""
     total, power, k = Decimal(0), Decimal(1), 0
@@ -58,6 +59,36 @@ def q_dec(w):
             return total
         power *= w
         k += 1
+
+
+def qe_dec(r):
+    """(e^r - 1 - r) / r^2."""
+    if r == 0:
+        return Decimal(1) / 2
+    return (r.exp() - 1 - r) / (r * r)
+
+
+def qe_ld(r):
+    total, term = np.zeros_like(r), np.full_like(r, LD(1) / 2)
+    for k in range(3, 33):  # the series 1/2 + r/6 + r^2/24 + ..., to far below 1e-19
+        total += term
+        term = term * r / k
+    return total
+
+
+def r_dec(w):
+    """(q(w) - 2) / w = 2 (1/3 + w/5 + w^2/7 + ...)."""
+    if w == 0:
+        return Decimal(2) / 3
+    return (q_dec(w) - 2) / w
+
+
+def r_ld(w):
+    total, power = np.zeros_like(w), np.ones_like(w)
+    for k in range(1, 40):
+        total += 2 * power / (2 * k + 1)
+        power *= w
+    return total
 
 
 def q_ld(w):
@@ -162,13 +193,18 @@ def remez(f_dec, f_ld, lo, hi, degree, grid=40001, iterations=40):
 
 
 # ---------------------------------------------------------------------------
-# Measurement of the double-coefficient polynomial.
+# Measurement of the float-coefficient polynomial.
 
-def max_relative_error(coeffs_double, f_dec, lo, hi, points=200001):
+def to_float(value):
+    """The single-precision value nearest `value`, as a Python float."""
+    return float(np.float32(float(value)))
+
+
+def max_relative_error(coeffs, f_dec, lo, hi, points=20001):
     """Largest |p(x) / f(x) - 1| over `points` doubles spread over [lo, hi],
-    ends included, with p's double coefficients taken exactly and every sum
-    formed in 80-digit arithmetic (so only the polynomial's own error shows)."""
-    cs = [Decimal(c) for c in coeffs_double]  # exact: Decimal(float) is exact
+    ends included, with p's coefficients taken exactly and every sum formed
+    in 80-digit arithmetic (so only the polynomial's own error shows)."""
+    cs = [Decimal(c) for c in coeffs]  # exact: Decimal(float) is exact
     lo_f, hi_f = float(lo), float(hi)
     worst = Decimal(0)
     for i in range(points):
@@ -193,7 +229,7 @@ def fit(name, f_dec, f_ld, lo, hi, degrees, bound, points):
     print(f"{name} on [{float(lo):.17g}, {float(hi):.17g}]")
     chosen = None
     for degree in degrees:
-        coeffs = [float(c) for c in remez(f_dec, f_ld, lo, hi, degree)]  # correctly rounded
+        coeffs = [to_float(c) for c in remez(f_dec, f_ld, lo, hi, degree)]
         error = max_relative_error(coeffs, f_dec, lo, hi, points)
         mark = ""
         if chosen is None and error <= bound:
@@ -205,25 +241,24 @@ def fit(name, f_dec, f_ld, lo, hi, degrees, bound, points):
     degree, coeffs, error = chosen
     print(f"  degree {degree} coefficients (lowest first), max relative error {float(error):.3e}:")
     for k, c in enumerate(coeffs):
-        print(f"    c{k} = {cxx_hex(c)};  // {c!r}")
+        print(f"    c{k} = {cxx_hex(c)}f;  // {c!r}")
     print()
     return chosen
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
-    parser.add_argument("--bound", type=float, default=1.5e-14,
-                        help="largest relative error allowed (default 1.5e-14)")
-    parser.add_argument("--points", type=int, default=200001,
-                        help="grid points of the final measurement (default 200001)")
+    parser.add_argument("--points", type=int, default=20001,
+                        help="grid points of the final measurement (default 20001)")
     args = parser.parse_args()
 
     half_ln2 = Decimal(2).ln() / 2
-    fit("e^r", exp_dec, exp_ld, -half_ln2, half_ln2, range(7, 12), args.bound, args.points)
+    fit("q(r) = (e^r - 1 - r) / r^2", qe_dec, qe_ld, -half_ln2, half_ln2, range(3, 7), 2e-8,
+        args.points)
     # The largest w is (3 - 2 sqrt 2)^2 = 17 - 12 sqrt 2 = 0.0294372...; the
     # interval reaches a little beyond it for the rounding of s and s^2.
-    fit("q(w) = 2 atanh(sqrt w) / sqrt w", q_dec, q_ld, Decimal(0), Decimal("0.02944"),
-        range(3, 8), args.bound, args.points)
+    fit("r(w) = (2 atanh(sqrt w) / sqrt w - 2) / w", r_dec, r_ld, Decimal(0), Decimal("0.02944"),
+        range(1, 5), 1e-6, args.points)
 
 
 if __name__ == "__main__":
