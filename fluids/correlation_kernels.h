@@ -93,6 +93,25 @@ inline constexpr float kChart[kChartRows][kChartColumns] = {
 };
 // clang-format on
 
+// The chart's values in pairs, each with its neighbour at the next higher
+// pressure, as one 64-bit word (the value's bits low, the neighbour's high):
+// a reading needs both, and vector code then fetches each pair with one load.
+struct ChartPairs {
+  std::uint64_t pair[kChartRows][kChartColumns - 1];
+};
+constexpr ChartPairs chartPairs() {
+  ChartPairs p{};
+  for (int r = 0; r < kChartRows; ++r) {
+    for (int c = 0; c + 1 < kChartColumns; ++c) {
+      p.pair[r][c] = __builtin_bit_cast(std::uint32_t, kChart[r][c]) |
+                     (static_cast<std::uint64_t>(__builtin_bit_cast(std::uint32_t, kChart[r][c + 1]))
+                      << 32);
+    }
+  }
+  return p;
+}
+inline constexpr ChartPairs kChartPairs = chartPairs();
+
 // Where a reading of the chart fell: 1-based upper row and column of the
 // cell (rows i-1..i, columns j-1..j), the fractions along each axis and the
 // two values interpolated along temperature.
@@ -138,13 +157,18 @@ SUBSURF_FLUIDS_INLINE float chartZ(float tpr, float ppr, int& status, ChartBrack
   b.row = upperBracket(kChartTemperatures, tpr, outT, t0, t1);
   b.column = upperBracket(kChartPressures, ppr, outP, p0, p1);
   const int r0 = b.row - 2, r1 = b.row - 1;
-  const int c0 = b.column - 2, c1 = b.column - 1;
+  const int c0 = b.column - 2;
   b.ft = (tpr - t0) / (t1 - t0);
   b.fp = (ppr - p0) / (p1 - p0);
-  // Corners through a flat index (which vectorised loops can gather from).
-  const float* flat = &kChart[0][0];
-  const float z00 = flat[r0 * kChartColumns + c0], z10 = flat[r1 * kChartColumns + c0];
-  const float z01 = flat[r0 * kChartColumns + c1], z11 = flat[r1 * kChartColumns + c1];
+  // Corners through a flat index (which vectorised loops can gather from),
+  // two at a time.
+  const std::uint64_t* flat = &kChartPairs.pair[0][0];
+  const std::uint64_t lower = flat[r0 * (kChartColumns - 1) + c0];
+  const std::uint64_t upper = flat[r1 * (kChartColumns - 1) + c0];
+  const float z00 = fmath::bitsAs<float>(static_cast<std::uint32_t>(lower));
+  const float z01 = fmath::bitsAs<float>(static_cast<std::uint32_t>(lower >> 32));
+  const float z10 = fmath::bitsAs<float>(static_cast<std::uint32_t>(upper));
+  const float z11 = fmath::bitsAs<float>(static_cast<std::uint32_t>(upper >> 32));
   b.z1 = z00 + b.ft * (z10 - z00);
   b.z2 = z01 + b.ft * (z11 - z01);
   const float z = b.z1 + b.fp * (b.z2 - b.z1);
