@@ -25,6 +25,7 @@
 #include <utility>
 
 #include "fluids/calculate_all.h"
+#include "fluids/case_packing.h"
 #include "fluids/correlation_kernels.h"
 #include "fluids/gas_correlations.h"
 #include "fluids/z_factor_chart.h"
@@ -366,24 +367,16 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   due(read(Entry::Ocomp, fixedUnit(Entry::Ocomp), scratch), states(Entry::Ocomp), mask);
   batch_loops::undersaturatedCompressibility(solgor, sgden, oden, tR, pres, pb, result, n);
   {
-    int picked[kBlock];
-    int m = 0;
+    Flag saturated[kBlock];
     for (int i = 0; i < n; ++i) {
-      picked[m] = i;
-      m += mask[i] & kernels::formCompressibilityIsSaturated(pres[i], pb[i]);
+      saturated[i] = mask[i] & kernels::formCompressibilityIsSaturated(pres[i], pb[i]);
     }
-    float in[6][kBlock], out[kBlock];
-    for (int j = 0; j < m; ++j) {
-      const int i = picked[j];
-      in[0][j] = sgden[i];
-      in[1][j] = oden[i];
-      in[2][j] = tR[i];
-      in[3][j] = pres[i];
-      in[4][j] = pb[i];
-      in[5][j] = term[i];
-    }
+    float in[6][kBlock + kPackSlack], out[kBlock + kPackSlack];
+    const float* from[6] = {sgden, oden, tR, pres, pb, term};
+    float* to[6] = {in[0], in[1], in[2], in[3], in[4], in[5]};
+    const int m = packCases(saturated, n, from, to, 6);
     batch_loops::saturatedCompressibility(in[0], in[1], in[2], in[3], in[4], in[5], out, m);
-    for (int j = 0; j < m; ++j) result[picked[j]] = out[j];
+    unpackCases(saturated, n, out, result);
   }
   store(Entry::Ocomp, result, mask);
 
