@@ -170,9 +170,8 @@ using Flag = std::int32_t;
 // any value fail, the block is redone value by value from `from` so that
 // failures become nulls just as in a single table.
 void convertBlock(const float* from, float* to, int n, int iser, int fromUnit, int toUnit) {
-  std::copy_n(from, n, to);
   int err = 0;
-  unitsRegistry().convert(to, static_cast<std::size_t>(n), iser, fromUnit, toUnit, err);
+  unitsRegistry().convert(from, to, static_cast<std::size_t>(n), iser, fromUnit, toUnit, err);
   if (err == 0) return;
   for (int i = 0; i < n; ++i) to[i] = FluidTable::convert(from[i], iser, fromUnit, toUnit);
 }

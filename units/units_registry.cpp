@@ -338,61 +338,67 @@ double applyOne(const Plan& p, double x, int& err) {
 #define SUBSURF_SIMD_LOOP
 #endif
 
-// y = a*x + b. Floats are worked in double so that the coefficients keep their
-// full precision; the result is rounded once. A pure scale (b = 0, most
-// conversions) needs no check for cancellation and has a loop of its own.
+// y = a*x + b, from `in` into `out` (which may be `in` itself). Floats are
+// worked in double so that the coefficients keep their full precision; the
+// result is rounded once. A pure scale (b = 0, most conversions) needs no
+// check for cancellation and has a loop of its own.
 template <typename T>
-SUBSURF_SIMD_LOOP void linearLoop(T* v, std::size_t n, double a, double b) {
+SUBSURF_SIMD_LOOP void linearLoop(const T* in, T* out, std::size_t n, double a, double b) {
   const double limit = kNeverConvertMagnitude;
   if (b == 0.0) {
     for (std::size_t i = 0; i < n; ++i) {
-      const double x = v[i];  // exact for a float, so a kept value keeps its bits
-      v[i] = static_cast<T>(std::fabs(x) > limit ? x : a * x);
+      const double x = in[i];  // exact for a float, so a kept value keeps its bits
+      out[i] = static_cast<T>(std::fabs(x) > limit ? x : a * x);
     }
     return;
   }
   const double noise = cancellationNoise(b);
   for (std::size_t i = 0; i < n; ++i) {
     // affine() written out: a call would keep GCC from turning the selects into blends.
-    const double x = v[i];
+    const double x = in[i];
     const double sum = a * x + b;
     const double y = std::fabs(sum) <= noise ? 0.0 : sum;
-    v[i] = static_cast<T>(std::fabs(x) > limit ? x : y);
+    out[i] = static_cast<T>(std::fabs(x) > limit ? x : y);
   }
 }
 
 // y = 1 / (a*x + b); true when some converted value met a zero denominator.
 // (Only velocity and slowness pairs take this path; it is not vectorised.)
 template <typename T>
-bool reciprocalLoop(T* v, std::size_t n, double a, double b) {
+bool reciprocalLoop(const T* in, T* out, std::size_t n, double a, double b) {
   const double limit = kNeverConvertMagnitude;
   bool zero = false;
   for (std::size_t i = 0; i < n; ++i) {
-    const double x = v[i];
+    const double x = in[i];
+    out[i] = in[i];
     if (std::fabs(x) > limit) continue;
     const double d = a * x + b;
     zero |= d == 0.0;
-    v[i] = static_cast<T>(1.0 / d);
+    out[i] = static_cast<T>(1.0 / d);
   }
   return zero;
 }
 
+// Converts n values from `in` into `out`, which may be `in` itself.
 template <typename T, typename Plan>
-void applyMany(const Plan& p, T* v, std::size_t n, int& err) {
+void applyMany(const Plan& p, const T* in, T* out, std::size_t n, int& err) {
   using Kind = typename Plan::Kind;
   switch (p.kind) {
-    case Kind::Same: return;
-    case Kind::Linear: linearLoop(v, n, p.a, p.b); return;
+    case Kind::Same:
+      if (in != out) std::copy_n(in, n, out);
+      return;
+    case Kind::Linear: linearLoop(in, out, n, p.a, p.b); return;
     case Kind::Reciprocal:
-      if (reciprocalLoop(v, n, p.a, p.b)) err = -1;
+      if (reciprocalLoop(in, out, n, p.a, p.b)) err = -1;
       return;
     case Kind::Invalid:
     case Kind::ThroughSI:
       for (std::size_t i = 0; i < n; ++i) {
-        if (beyondConversion(static_cast<double>(v[i]))) continue;
+        out[i] = in[i];
+        if (beyondConversion(static_cast<double>(in[i]))) continue;
         int e = 0;
-        const double y = applyOne(p, static_cast<double>(v[i]), e);
-        v[i] = static_cast<T>(y);
+        const double y = applyOne(p, static_cast<double>(in[i]), e);
+        out[i] = static_cast<T>(y);
         if (e != 0) err = e;
       }
       return;
@@ -416,15 +422,24 @@ float UnitsRegistry::convert(float value, int iser, int from, int to, int& err) 
 }
 
 void UnitsRegistry::convert(float* values, std::size_t n, int iser, int from, int to, int& err) const {
-  err = 0;
-  if (from == to || values == nullptr || n == 0) return;
-  applyMany(plan(iser, from, to), values, n, err);
+  convert(values, values, n, iser, from, to, err);
 }
 
 void UnitsRegistry::convert(double* values, std::size_t n, int iser, int from, int to, int& err) const {
   err = 0;
   if (from == to || values == nullptr || n == 0) return;
-  applyMany(plan(iser, from, to), values, n, err);
+  applyMany(plan(iser, from, to), values, values, n, err);
+}
+
+void UnitsRegistry::convert(const float* in, float* out, std::size_t n, int iser, int from, int to,
+                            int& err) const {
+  err = 0;
+  if (in == nullptr || out == nullptr || n == 0) return;
+  if (from == to) {
+    if (in != out) std::copy_n(in, n, out);
+    return;
+  }
+  applyMany(plan(iser, from, to), in, out, n, err);
 }
 
 double UnitsRegistry::convertByName(double value, int iser, std::string_view from, std::string_view to,

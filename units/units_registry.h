@@ -97,6 +97,9 @@ class UnitsRegistry {
   // Converts in place; err is that of the last failing element (0 when all succeed).
   void convert(float* values, std::size_t n, int iser, int from, int to, int& err) const;
   void convert(double* values, std::size_t n, int iser, int from, int to, int& err) const;
+  // The same from `in` into `out` (which may be `in` itself), in one pass.
+  void convert(const float* in, float* out, std::size_t n, int iser, int from, int to,
+               int& err) const;
 
   // Converts between units given by name within a series; an empty name returns
   // the value unchanged. err is 1 when a name is not a unit of the series.

@@ -216,5 +216,33 @@ TEST_F(ShippedUnits, OffsetConversionsReachZeroExactly) {
   EXPECT_EQ(f, (std::vector<float>{100.0f, kRealNull, 0.0f}));
 }
 
+// Converting from one array into another gives, value for value, what
+// converting in place gives (and what one value at a time gives), for every
+// pair of units of every series: linear, reciprocal and through-SI pairs
+// alike, null marks and zeros included; the source is left as it was.
+TEST_F(ShippedUnits, IntoAnotherArrayAsInPlace) {
+  const std::vector<float> values = {0.37f, 12.5f, -7.25f, 0.0f, kRealNull, 1234.5f, 3.0e21f};
+  for (int iser = 0; iser <= reg().lastSeries(); ++iser) {
+    for (int a = 1; a <= reg().unitCount(iser); ++a) {
+      for (int b = 1; b <= reg().unitCount(iser); ++b) {
+        SCOPED_TRACE(reg().seriesName(iser) + ": " + reg().unitName(iser, a) + " -> " + reg().unitName(iser, b));
+        std::vector<float> inPlace = values, out(values.size(), 42.0f);
+        const std::vector<float> source = values;
+        int errInPlace = 99, errOut = 99;
+        reg().convert(inPlace.data(), inPlace.size(), iser, a, b, errInPlace);
+        reg().convert(source.data(), out.data(), source.size(), iser, a, b, errOut);
+        EXPECT_EQ(errOut, errInPlace);
+        EXPECT_EQ(source, values);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+          int e = 0;
+          const float one = reg().convert(values[i], iser, a, b, e);
+          EXPECT_EQ(std::bit_cast<std::uint32_t>(out[i]), std::bit_cast<std::uint32_t>(inPlace[i])) << i;
+          if (e == 0) EXPECT_EQ(std::bit_cast<std::uint32_t>(out[i]), std::bit_cast<std::uint32_t>(one)) << i;
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace subsurf
