@@ -256,13 +256,21 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
     for (int i = 0; i < n; ++i) out[i] = isNull(v[i]) | (s[i] > kStateTyped);
   };
 
+  // Whether a mask selects no case at all. Most blocks store nothing to some
+  // entries (the clamped contents, the gas entries cleared without reduced
+  // values), and a look at the mask costs less than a pass over the columns.
+  auto none = [&](const Flag* mask) SUBSURF_INLINE {
+    Flag any = 0;
+    for (int i = 0; i < n; ++i) any |= mask[i];
+    return any == 0;
+  };
+
   // Stores values given in the entry's fixed unit where mask is set, as
   // FluidTable::set does; store() also marks them calculated, storeValues()
   // leaves each case's state as it is.
   float converted[kBlock];
-  auto storeValues = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
+  auto writeValues = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
     const EntryUnit unit = fixedUnit(e);
-    if (unit.iun < 0) return;
     const EntryUnit stored = prototype_.storedUnit(e);
     float* v = column(e);
     if (asStored(stored, unit)) {
@@ -272,11 +280,15 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
     convertBlock(in, converted, n, stored.iser, unit.iun, stored.iun);
     for (int i = 0; i < n; ++i) v[i] = mask[i] ? (isNull(in[i]) ? in[i] : converted[i]) : v[i];
   };
+  auto storeValues = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
+    if (fixedUnit(e).iun < 0 || none(mask)) return;
+    writeValues(e, in, mask);
+  };
   auto store = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
-    if (fixedUnit(e).iun < 0) return;
+    if (fixedUnit(e).iun < 0 || none(mask)) return;
     BatchState* s = states(e);
     for (int i = 0; i < n; ++i) s[i] = mask[i] ? BatchState{kStateCalculated} : s[i];
-    storeValues(e, in, mask);
+    writeValues(e, in, mask);
   };
 
   Flag mask[kBlock];
