@@ -10,10 +10,13 @@
 // long branch-free bodies, they reintroduce branches or mixed-width values
 // that stop GCC 12 from vectorising the loops. Scheduling before register
 // allocation interleaves the long dependent chains of the polynomials (about
-// 4 per cent faster here).
+// 4 per cent faster here); unrolling the loops (the short bookkeeping loops
+// up to eight times over, a few correlation loops twice) gives it more to
+// interleave and fewer loop overheads (about 2 per cent more).
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC optimize("O3", "no-trapping-math", "no-math-errno", "fp-contract=off")
 #pragma GCC optimize("no-thread-jumps", "no-tree-pre", "schedule-insns", "sched-pressure")
+#pragma GCC optimize("unroll-loops")
 #endif
 
 #include "fluids/fluid_batch.h"
