@@ -25,6 +25,7 @@
 #include <bit>
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <utility>
 
 #include "fluids/calculate_all.h"
@@ -158,8 +159,8 @@ void gasProperties(In g, In z, In tR, In p, In tsc, In psc, Out bg, Out visc, Ou
 namespace {
 
 // Cases per block: small enough for every column of a block (and the
-// block's scratch arrays, about 150 KB of stack) to stay in the second-level
-// cache, large enough to spread each block's fixed costs (the registry's unit
+// block's working columns, about 150 KB) to stay in the second-level cache,
+// large enough to spread each block's fixed costs (the registry's unit
 // conversions, the set-up of some sixty short loops). 512 was 6 per cent
 // slower over a million cases here, 2048 no faster.
 constexpr int kBlock = 1024;
@@ -216,11 +217,55 @@ FluidTable FluidBatch::caseTable(std::size_t row) const {
   return one;
 }
 
+// A block's working columns: some 150 KB, too much for the stack of a
+// thread an embedding application may call from, so they live on the heap,
+// allocated once per calculation and used by every block in turn.
+struct alignas(64) BlockWork {
+  float converted[kBlock];
+  Flag mask[kBlock];
+  float result[kBlock];
+  float scratch[kBlock];
+  float depthCopy[kBlock];
+  float pres[kBlock];
+  float tscCopy[kBlock];
+  float pscCopy[kBlock];
+  float odenCopy[kBlock];
+  float sgdenCopy[kBlock];
+  float solgorCopy[kBlock];
+  float tR[kBlock];
+  float tFCopy[kBlock];
+  float term[kBlock];
+  float pbCopy[kBlock];
+  float oviscdt[kBlock];
+  float oviscd[kBlock];
+  float viscosityTerm[kBlock];
+  Flag saturated[kBlock];
+  float in[6][kBlock + kPackSlack];
+  float out[kBlock + kPackSlack];
+  float gdenCopy[kBlock];
+  float n2Copy[kBlock];
+  float co2Copy[kBlock];
+  float h2sCopy[kBlock];
+  float gp[kBlock];
+  float tpr[kBlock];
+  float ppr[kBlock];
+  float z[kBlock];
+  Flag reduced[kBlock];
+  int chartStatus[kBlock];
+  float bg[kBlock];
+  float gvisc[kBlock];
+  float gdenres[kBlock];
+  float nullColumn[kBlock];
+  Flag dueNow[kBlock];
+};
+
 void FluidBatch::calculateAll() {
   if (!prototype_.exists()) return;
   chartRead_ = false;
+  // Left uninitialised: each block writes what it reads.
+  const std::unique_ptr<BlockWork> work(new BlockWork);
   for (std::size_t first = 0; first < size_; first += kBlock) {
-    calculateRange(first, std::min<std::size_t>(kBlock, size_ - first));
+    calculateRange(first, std::min<std::size_t>(kBlock, size_ - first), *work);
   }
   if (chartRead_) {
     int st;
@@ -229,7 +274,7 @@ void FluidBatch::calculateAll() {
 }
 
 SUBSURF_BLOCK_CLONES
-void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
+void FluidBatch::calculateRange(std::size_t first, std::size_t count, BlockWork& work) {
   const int n = static_cast<int>(count);
   const EntryUnit degR = prototype_.rankine();
   auto column = [&](Entry e) SUBSURF_INLINE { return values_[index(e)].data() + first; };
@@ -271,7 +316,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   // Stores values given in the entry's fixed unit where mask is set, as
   // FluidTable::set does; store() also marks them calculated, storeValues()
   // leaves each case's state as it is.
-  float converted[kBlock];
+  float (&converted)[kBlock] = work.converted;
   auto writeValues = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
     const EntryUnit unit = fixedUnit(e);
     const EntryUnit stored = prototype_.storedUnit(e);
@@ -294,11 +339,12 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
     writeValues(e, in, mask);
   };
 
-  Flag mask[kBlock];
-  float result[kBlock], scratch[kBlock];
+  Flag (&mask)[kBlock] = work.mask;
+  float (&result)[kBlock] = work.result;
+  float (&scratch)[kBlock] = work.scratch;
 
   // Reservoir temperature and pressure from the depth.
-  float depthCopy[kBlock];
+  float (&depthCopy)[kBlock] = work.depthCopy;
   const float* depth = read(Entry::Dres, fixedUnit(Entry::Dres), depthCopy);
   {
     const float* tres = read(Entry::Tres, degR, scratch);
@@ -309,7 +355,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   }
   batch_loops::geothermal(depth, result, n);
   store(Entry::Tres, result, mask);
-  float pres[kBlock];
+  float (&pres)[kBlock] = work.pres;
   {
     const float* given = read(Entry::Pres, fixedUnit(Entry::Pres), scratch);
     const BatchState* s = states(Entry::Pres);
@@ -322,30 +368,36 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
 
   // Standard conditions: reset when calculated, but used as they were. (They
   // are read here and reset once the gas properties have used them.)
-  float tscCopy[kBlock], pscCopy[kBlock];
+  float (&tscCopy)[kBlock] = work.tscCopy;
+  float (&pscCopy)[kBlock] = work.pscCopy;
   const float* tsc = read(Entry::Tsc, degR, tscCopy);
   const float* psc = read(Entry::Psc, fixedUnit(Entry::Psc), pscCopy);
 
   // Oil. (Inputs never stored to can be read in place.)
-  float odenCopy[kBlock], sgdenCopy[kBlock], solgorCopy[kBlock], tR[kBlock], tFCopy[kBlock];
+  float (&odenCopy)[kBlock] = work.odenCopy;
+  float (&sgdenCopy)[kBlock] = work.sgdenCopy;
+  float (&solgorCopy)[kBlock] = work.solgorCopy;
+  float (&tR)[kBlock] = work.tR;
+  float (&tFCopy)[kBlock] = work.tFCopy;
   const float* oden = read(Entry::Oden, fixedUnit(Entry::Oden), odenCopy);
   const float* sgden = read(Entry::Sgden, fixedUnit(Entry::Sgden), sgdenCopy);
   const float* solgor = read(Entry::Solgor, fixedUnit(Entry::Solgor), solgorCopy);
   readCopy(Entry::Tres, degR, tR);
   const float* tF = read(Entry::Tres, fixedUnit(Entry::Tres), tFCopy);
-  float term[kBlock];
+  float (&term)[kBlock] = work.term;
   batch_loops::vasquezBeggsTerm(oden, tR, term, n);
   due(read(Entry::Pbubble, fixedUnit(Entry::Pbubble), scratch), states(Entry::Pbubble), mask);
   batch_loops::bubblePoint(solgor, sgden, oden, tR, term, result, n);
   store(Entry::Pbubble, result, mask);
-  float pbCopy[kBlock];
+  float (&pbCopy)[kBlock] = work.pbCopy;
   const float* pb = read(Entry::Pbubble, fixedUnit(Entry::Pbubble), pbCopy);
   // The volume factor follows a calculated bubble point, whatever its own state.
   due(pb, states(Entry::Pbubble), mask);
   batch_loops::volumeFactor(solgor, sgden, oden, tR, pres, pb, result, n);
   store(Entry::Bo, result, mask);
 
-  float oviscdt[kBlock], oviscd[kBlock];
+  float (&oviscdt)[kBlock] = work.oviscdt;
+  float (&oviscd)[kBlock] = work.oviscd;
   {
     const float* given = read(Entry::Oviscdt, fixedUnit(Entry::Oviscdt), scratch);
     due(given, states(Entry::Oviscdt), mask);
@@ -354,7 +406,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   store(Entry::Oviscdt, oviscdt, mask);
   {
     // Mostly the default temperature for every case: then one term serves all.
-    float viscosityTerm[kBlock];
+    float (&viscosityTerm)[kBlock] = work.viscosityTerm;
     Flag differs = 0;
     const std::uint32_t firstBits = n > 0 ? std::bit_cast<std::uint32_t>(oviscdt[0]) : 0;
     for (int i = 0; i < n; ++i) differs |= std::bit_cast<std::uint32_t>(oviscdt[i]) != firstBits;
@@ -381,11 +433,12 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   due(read(Entry::Ocomp, fixedUnit(Entry::Ocomp), scratch), states(Entry::Ocomp), mask);
   batch_loops::undersaturatedCompressibility(solgor, sgden, oden, tR, pres, pb, result, n);
   {
-    Flag saturated[kBlock];
+    Flag (&saturated)[kBlock] = work.saturated;
     for (int i = 0; i < n; ++i) {
       saturated[i] = mask[i] & kernels::formCompressibilityIsSaturated(pres[i], pb[i]);
     }
-    float in[6][kBlock + kPackSlack], out[kBlock + kPackSlack];
+    float (&in)[6][kBlock + kPackSlack] = work.in;
+    float (&out)[kBlock + kPackSlack] = work.out;
     const float* from[6] = {sgden, oden, tR, pres, pb, term};
     float* to[6] = {in[0], in[1], in[2], in[3], in[4], in[5]};
     const int m = packCases(saturated, n, from, to, 6);
@@ -396,16 +449,22 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
 
   // Gas: pseudo-reduced values as tablePseudoReduced() forms them.
   // (The contents are stored to only after their last reading below.)
-  float gdenCopy[kBlock], n2Copy[kBlock], co2Copy[kBlock], h2sCopy[kBlock], gp[kBlock];
+  float (&gdenCopy)[kBlock] = work.gdenCopy;
+  float (&n2Copy)[kBlock] = work.n2Copy;
+  float (&co2Copy)[kBlock] = work.co2Copy;
+  float (&h2sCopy)[kBlock] = work.h2sCopy;
+  float (&gp)[kBlock] = work.gp;
   const float* gden = read(Entry::Gden, fixedUnit(Entry::Gden), gdenCopy);
   const float* n2 = read(Entry::N2, fixedUnit(Entry::N2), n2Copy);
   const float* co2 = read(Entry::Co2, fixedUnit(Entry::Co2), co2Copy);
   const float* h2s = read(Entry::H2s, fixedUnit(Entry::H2s), h2sCopy);
   const float* gpRead = read(Entry::Pres, fixedUnit(Entry::Pres), gp);
   const float* gtRead = tR;  // the temperature has not changed since
-  float tpr[kBlock], ppr[kBlock], z[kBlock];
-  Flag reduced[kBlock];
-  int chartStatus[kBlock];
+  float (&tpr)[kBlock] = work.tpr;
+  float (&ppr)[kBlock] = work.ppr;
+  float (&z)[kBlock] = work.z;
+  Flag (&reduced)[kBlock] = work.reduced;
+  int (&chartStatus)[kBlock] = work.chartStatus;
   batch_loops::pseudoReduced(gden, n2, co2, h2s, gpRead, gtRead, tpr, ppr, n);
   for (int i = 0; i < n; ++i) {
     const Flag absent = isNull(gden[i]) | isNull(n2[i]) | isNull(co2[i]) | isNull(h2s[i]) |
@@ -438,7 +497,9 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
   // Without reduced values "zfact" is stored null as well.
   store(Entry::Zfact, z, mask);
 
-  float bg[kBlock], gvisc[kBlock], gdenres[kBlock];
+  float (&bg)[kBlock] = work.bg;
+  float (&gvisc)[kBlock] = work.gvisc;
+  float (&gdenres)[kBlock] = work.gdenres;
   batch_loops::gasProperties(gden, z, tR, pres, tsc, psc, bg, gvisc, gdenres, n);
   for (auto [e, standard] : {std::pair{Entry::Tsc, 60.0f}, std::pair{Entry::Psc, 14.7f}}) {
     const BatchState* s = states(e);
@@ -448,11 +509,11 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count) {
     }
     store(e, result, mask);
   }
-  float nullColumn[kBlock];
+  float (&nullColumn)[kBlock] = work.nullColumn;
   std::fill_n(nullColumn, n, kRealNull);
   // Calculated where due with reduced values; cleared where calculated
   // earlier without them.
-  Flag dueNow[kBlock];
+  Flag (&dueNow)[kBlock] = work.dueNow;
   auto gasEntry = [&](Entry e, const float* computed) SUBSURF_INLINE {
     for (int i = 0; i < n; ++i) mask[i] = reduced[i] & dueNow[i];
     store(e, computed, mask);

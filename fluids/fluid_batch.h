@@ -47,6 +47,8 @@ inline BatchState batchState(int state) {
   return static_cast<BatchState>(state < -128 ? -128 : (state > 127 ? 127 : state));
 }
 
+struct BlockWork;
+
 class FluidBatch {
  public:
   explicit FluidBatch(const FluidTable& prototype, std::size_t cases = 0);
@@ -75,7 +77,7 @@ class FluidBatch {
 
  private:
   static std::size_t index(Entry e) { return static_cast<std::size_t>(e); }
-  void calculateRange(std::size_t first, std::size_t count);
+  void calculateRange(std::size_t first, std::size_t count, BlockWork& work);
 
   FluidTable prototype_;
   std::size_t size_ = 0;
