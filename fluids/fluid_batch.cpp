@@ -344,8 +344,7 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count, BlockWork&
   float (&scratch)[kBlock] = work.scratch;
 
   // Reservoir temperature and pressure from the depth.
-  float (&depthCopy)[kBlock] = work.depthCopy;
-  const float* depth = read(Entry::Dres, fixedUnit(Entry::Dres), depthCopy);
+  const float* depth = read(Entry::Dres, fixedUnit(Entry::Dres), work.depthCopy);
   {
     const float* tres = read(Entry::Tres, degR, scratch);
     const BatchState* s = states(Entry::Tres);
@@ -368,29 +367,22 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count, BlockWork&
 
   // Standard conditions: reset when calculated, but used as they were. (They
   // are read here and reset once the gas properties have used them.)
-  float (&tscCopy)[kBlock] = work.tscCopy;
-  float (&pscCopy)[kBlock] = work.pscCopy;
-  const float* tsc = read(Entry::Tsc, degR, tscCopy);
-  const float* psc = read(Entry::Psc, fixedUnit(Entry::Psc), pscCopy);
+  const float* tsc = read(Entry::Tsc, degR, work.tscCopy);
+  const float* psc = read(Entry::Psc, fixedUnit(Entry::Psc), work.pscCopy);
 
   // Oil. (Inputs never stored to can be read in place.)
-  float (&odenCopy)[kBlock] = work.odenCopy;
-  float (&sgdenCopy)[kBlock] = work.sgdenCopy;
-  float (&solgorCopy)[kBlock] = work.solgorCopy;
   float (&tR)[kBlock] = work.tR;
-  float (&tFCopy)[kBlock] = work.tFCopy;
-  const float* oden = read(Entry::Oden, fixedUnit(Entry::Oden), odenCopy);
-  const float* sgden = read(Entry::Sgden, fixedUnit(Entry::Sgden), sgdenCopy);
-  const float* solgor = read(Entry::Solgor, fixedUnit(Entry::Solgor), solgorCopy);
+  const float* oden = read(Entry::Oden, fixedUnit(Entry::Oden), work.odenCopy);
+  const float* sgden = read(Entry::Sgden, fixedUnit(Entry::Sgden), work.sgdenCopy);
+  const float* solgor = read(Entry::Solgor, fixedUnit(Entry::Solgor), work.solgorCopy);
   readCopy(Entry::Tres, degR, tR);
-  const float* tF = read(Entry::Tres, fixedUnit(Entry::Tres), tFCopy);
+  const float* tF = read(Entry::Tres, fixedUnit(Entry::Tres), work.tFCopy);
   float (&term)[kBlock] = work.term;
   batch_loops::vasquezBeggsTerm(oden, tR, term, n);
   due(read(Entry::Pbubble, fixedUnit(Entry::Pbubble), scratch), states(Entry::Pbubble), mask);
   batch_loops::bubblePoint(solgor, sgden, oden, tR, term, result, n);
   store(Entry::Pbubble, result, mask);
-  float (&pbCopy)[kBlock] = work.pbCopy;
-  const float* pb = read(Entry::Pbubble, fixedUnit(Entry::Pbubble), pbCopy);
+  const float* pb = read(Entry::Pbubble, fixedUnit(Entry::Pbubble), work.pbCopy);
   // The volume factor follows a calculated bubble point, whatever its own state.
   due(pb, states(Entry::Pbubble), mask);
   batch_loops::volumeFactor(solgor, sgden, oden, tR, pres, pb, result, n);
@@ -449,16 +441,11 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count, BlockWork&
 
   // Gas: pseudo-reduced values as tablePseudoReduced() forms them.
   // (The contents are stored to only after their last reading below.)
-  float (&gdenCopy)[kBlock] = work.gdenCopy;
-  float (&n2Copy)[kBlock] = work.n2Copy;
-  float (&co2Copy)[kBlock] = work.co2Copy;
-  float (&h2sCopy)[kBlock] = work.h2sCopy;
-  float (&gp)[kBlock] = work.gp;
-  const float* gden = read(Entry::Gden, fixedUnit(Entry::Gden), gdenCopy);
-  const float* n2 = read(Entry::N2, fixedUnit(Entry::N2), n2Copy);
-  const float* co2 = read(Entry::Co2, fixedUnit(Entry::Co2), co2Copy);
-  const float* h2s = read(Entry::H2s, fixedUnit(Entry::H2s), h2sCopy);
-  const float* gpRead = read(Entry::Pres, fixedUnit(Entry::Pres), gp);
+  const float* gden = read(Entry::Gden, fixedUnit(Entry::Gden), work.gdenCopy);
+  const float* n2 = read(Entry::N2, fixedUnit(Entry::N2), work.n2Copy);
+  const float* co2 = read(Entry::Co2, fixedUnit(Entry::Co2), work.co2Copy);
+  const float* h2s = read(Entry::H2s, fixedUnit(Entry::H2s), work.h2sCopy);
+  const float* gpRead = read(Entry::Pres, fixedUnit(Entry::Pres), work.gp);
   const float* gtRead = tR;  // the temperature has not changed since
   float (&tpr)[kBlock] = work.tpr;
   float (&ppr)[kBlock] = work.ppr;
