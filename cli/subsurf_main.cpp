@@ -5,6 +5,7 @@
 
 #include "units_command.h"
 #include "fluids_command.h"
+#include "date_command.h"
 
 int main(int argc, char** argv) {
   subsurf::cli::installTerminalHost("subsurf");
@@ -13,5 +14,6 @@ int main(int argc, char** argv) {
   int exitCode = subsurf::cli::kExitOk;
   subsurf::cli::addUnitsCommand(app, exitCode);
   subsurf::cli::addFluidsCommand(app, exitCode);
+  subsurf::cli::addDateCommand(app, exitCode);
   return subsurf::cli::runApp(app, argc, argv, exitCode);
 }
