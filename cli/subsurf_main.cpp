@@ -6,6 +6,7 @@
 #include "units_command.h"
 #include "fluids_command.h"
 #include "date_command.h"
+#include "quiz_command.h"
 
 int main(int argc, char** argv) {
   subsurf::cli::installTerminalHost("subsurf");
@@ -15,5 +16,6 @@ int main(int argc, char** argv) {
   subsurf::cli::addUnitsCommand(app, exitCode);
   subsurf::cli::addFluidsCommand(app, exitCode);
   subsurf::cli::addDateCommand(app, exitCode);
+  subsurf::cli::addQuizCommand(app, exitCode);
   return subsurf::cli::runApp(app, argc, argv, exitCode);
 }
