@@ -17,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/channel_attributes.h"
 #include "host/status.h"
 
 namespace subsurf {
@@ -81,10 +82,14 @@ class Dataset {
   const DatasetPart* findPart(std::string_view name) const;
   DatasetPart* findPart(std::string_view name);
   std::vector<std::string> partNames() const;
+  // The keyed attributes of the dataset's channels.
+  ChannelAttributes& attributes() { return attributes_; }
+  const ChannelAttributes& attributes() const { return attributes_; }
 
  private:
   std::string name_;
   std::vector<std::unique_ptr<DatasetPart>> parts_;
+  ChannelAttributes attributes_;
 };
 
 // Process-wide handles (from 1) for the C interface.
