@@ -2,6 +2,8 @@
 // the second code, and files that must be refused with the file and line named.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "host/nulls.h"
@@ -205,9 +207,21 @@ TEST_F(QuestionnaireFile, TheShippedChecklistLoads) {
     EXPECT_LE(question.section, 4);
     for (const qa::Answer& a : question.answers) {
       // Every go-to label either names a question or is one of the ">" jumps.
-      if (!a.gotoLabel.empty() && a.gotoLabel[0] != '>') EXPECT_GT(a.gotoQuestion, 0) << a.gotoLabel;
+      if (!a.gotoLabel.empty() && a.gotoLabel[0] != '>') {
+        EXPECT_GT(a.gotoQuestion, 0) << a.gotoLabel;
+      }
     }
   }
+}
+
+TEST_F(QuestionnaireFile, LoadedThroughALogicalPrefix) {
+  ::setenv("SUBSURF_DEFLIB", SUBSURF_SOURCE_DATA_DIR, 1);
+  QA_LOAD(padded("deflib:questionnaires/core-reservoir-quality.csv", 260).c_str(), &handle, &status);
+  ::unsetenv("SUBSURF_DEFLIB");
+  EXPECT_EQ(status, 0);
+  int n = 0;
+  QA_NQUS(&handle, &n);
+  EXPECT_EQ(n, 12);
 }
 
 TEST_F(QuestionnaireFile, DeletedQuestionnaireIsGone) {
