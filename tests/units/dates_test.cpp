@@ -270,6 +270,12 @@ TEST(DateText, RecordTextReadInModeOneAndRewritten) {
   X_DATE(&rec, &parse);
   EXPECT_EQ(rec.V, dateOf(2000, 3, 1));
   EXPECT_EQ(fixedText(rec.CHU), "01 Mar 2000");
+  // A record without a mask is shown under the default mask.
+  blankFixed(rec.SHORT, sizeof rec.SHORT);
+  const int show = 0;
+  X_DATE(&rec, &show);
+  EXPECT_EQ(fixedText(rec.CHU), "01.Mar.00 00:00");
+  DT_DATESETMASK(&rec, &code);
   // Unreadable text: the null value, not 0, and an empty text.
   setFixed(rec.CHU, "the first of March");
   X_DATE(&rec, &parse);
@@ -301,6 +307,9 @@ TEST(TimeText, WrittenReadAndBrokenDown) {
   X_TIMECI(text, mask, &back, &errors);
   EXPECT_TRUE(isNull(back));
   EXPECT_EQ(errors, 1);
+  const double none = kDoubleNull;
+  X_TIMEIC(&none, mask, text);
+  EXPECT_EQ(fixedText(text, 32), "");
   // Spans longer than a day keep counting hours.
   EXPECT_EQ(formatTime(30 * 3600 + 60, "hr:min"), "30:01");
   EXPECT_EQ(formatTime(-90, "hr:min:ss"), "-00:01:30");
@@ -318,7 +327,6 @@ TEST(TimeText, WrittenReadAndBrokenDown) {
   float hours = 0;
   X_TIMEFR(&seconds, &hours);
   EXPECT_FLOAT_EQ(hours, static_cast<float>(9015.5 / 3600.0));
-  const double none = kDoubleNull;
   X_TIMEFR(&none, &hours);
   EXPECT_TRUE(isNull(hours));
 }
