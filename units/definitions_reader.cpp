@@ -190,6 +190,15 @@ class DefinitionsReader {
         return;
       }
     }
+    // A zero scale makes every value of the unit zero (100 ft would be 0 m):
+    // a typing error, never a unit.
+    for (int k : {0, 3}) {
+      if (k < u.nc && *coefficient[k] == 0.0) {
+        undefine();
+        reject(file, fmt::format("{} is zero - row skipped", kNames[k]));
+        return;
+      }
+    }
     storeAt(reg_.units_, id, std::move(u), kUnitGap);
   }
 
