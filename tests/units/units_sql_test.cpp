@@ -66,6 +66,28 @@ TEST(UnitsSqlScript, SchemaAndRowsOfASmallRegistry) {
   EXPECT_EQ(linesOf(TempDir::read(out)), expected);
 }
 
+// A series may span more entries than its unit count admits: the schema holds
+// every entry, with its position, and the conversions still refuse the extra ones.
+TEST(UnitsSqlScript, EveryEntryOfASeriesHasItsRow) {
+  TempDir dir;
+  UnitsRegistry reg;
+  ASSERT_TRUE(reg.load(dir.write("spare.def",
+                                 "**Dimensions\n1,length\n"
+                                 "**Units\n1,m,metre,1,1,1\n2,ft,feet,1,1,0.3048\n3,in,inch,1,1,0.0254\n"
+                                 "**Series\n0,depth,1,1,3,2,m,ft,m\n"
+                                 "**Entries\n1,1,0,0\n2,2,0,0\n3,3,0,1\n"))
+                  .isOk());
+  ASSERT_EQ(reg.unitCount(0), 3);
+  const std::vector<std::string> script = reg.sqlScript();
+  const std::vector<std::string> tail(script.end() - 3, script.end());
+  const std::string insert = "INSERT INTO SERIES_UNITS (su_name, su_iser, su_uid,  su_iun,  su_io) values ";
+  EXPECT_EQ(tail, (std::vector<std::string>{insert + "('depth', 0, 1, 1, 0);", insert + "('depth', 0, 2, 2, 0);",
+                                            insert + "('depth', 0, 3, 3, 1);"}));
+  int err = 0;
+  EXPECT_EQ(reg.convert(1.0, 0, 3, 1, err), 1.0);  // beyond the unit count: no unit
+  EXPECT_EQ(err, 1);
+}
+
 TEST(UnitsSqlScript, ExportWritesCreateUnitsUnderTempdirSql) {
   TempDir dir;
   {
