@@ -8,7 +8,6 @@
 
 #include <cmath>
 #include <limits>
-#include <mutex>
 
 #include "host/fixed_text.h"
 #include "host/guarded_math.h"
@@ -465,32 +464,13 @@ UnitsRegistry& storage() {
   return registry;
 }
 
-std::once_flag& firstLoad() {
-  static std::once_flag flag;
-  return flag;
-}
-
-Status loadDefault() {
-  const Status status = storage().load(resolvePath(kUnitsDefinitionsFile));
-  if (!status) host::showMessage(status.message());
-  return status;
-}
-
 }  // namespace
 
-UnitsRegistry& unitsRegistry() {
-  std::call_once(firstLoad(), [] { loadDefault(); });
-  return storage();
-}
+UnitsRegistry& unitsRegistry() { return storage(); }
 
 Status reloadUnitsRegistry() {
-  bool loadedNow = false;
-  Status status;
-  std::call_once(firstLoad(), [&] {
-    status = loadDefault();
-    loadedNow = true;
-  });
-  if (!loadedNow) status = loadDefault();
+  const Status status = storage().load(resolvePath(kUnitsDefinitionsFile));
+  if (!status) host::showMessage(status.message());
   return status;
 }
 

@@ -135,8 +135,9 @@ class UnitsRegistry {
   std::vector<std::string> lowerUnitNames_;  // unit names in lower case, for lookups
 };
 
-// The process-wide registry. On first use it loads "deflib:x_units.def";
-// X_INIT reloads it explicitly.
+// The process-wide registry. It stays empty, answering every query as for no
+// series, until X_INIT (reloadUnitsRegistry) has read "deflib:x_units.def";
+// a program calls X_INIT at start.
 UnitsRegistry& unitsRegistry();
 
 // Where the process-wide registry is read from.
