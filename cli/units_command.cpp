@@ -2,9 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli_support.h"
@@ -98,7 +100,7 @@ int runConvert(const UnitsOptions& o) {
   const UnitsRegistry& reg = unitsRegistry();
   if (!reg.loaded()) return kExitBadInput;
   double value = 0.0;
-  if (!parseReal(o.value, value)) {
+  if (!parseReal(o.value, value) || !std::isfinite(value)) {
     host::showMessage(fmt::format("\"{}\" is not a number", o.value));
     return kExitBadInput;
   }
@@ -141,6 +143,24 @@ int runConvert(const UnitsOptions& o) {
   return kExitOk;
 }
 
+// The arguments set aside by the parser: one negative value, which goes before
+// the two units that took its place. Anything else is a usage error.
+bool takeBackNegativeValue(const std::vector<std::string>& setAside, UnitsOptions& o) {
+  if (setAside.size() == 1 && setAside[0].size() > 1 && setAside[0][0] == '-' && o.to.empty()) {
+    o.to = std::move(o.from);
+    o.from = std::move(o.value);
+    o.value = setAside[0];
+  } else if (!setAside.empty()) {
+    host::showMessage(fmt::format("Unexpected arguments: {}", fmt::join(setAside, " ")));
+    return false;
+  }
+  if (o.value.empty() || o.from.empty() || o.to.empty()) {
+    host::showMessage("units convert needs a value, its unit and the unit wanted: units convert VALUE FROM TO");
+    return false;
+  }
+  return true;
+}
+
 int runSql(const UnitsOptions& o) {
   const UnitsRegistry& reg = unitsRegistry();
   if (!reg.loaded()) return kExitBadInput;
@@ -166,11 +186,20 @@ void addUnitsCommand(CLI::App& app, int& exitCode) {
   list->callback([options, &exitCode] { exitCode = runList(*options); });
 
   CLI::App* convert = units->add_subcommand("convert", "Convert a value from one unit to another");
-  convert->add_option("value", options->value, "The value")->required();
-  convert->add_option("from", options->from, "Its unit")->required();
-  convert->add_option("to", options->to, "The unit wanted")->required();
+  convert->add_option("value", options->value, "The value (a negative one may be written -5 or -inf)");
+  convert->add_option("from", options->from, "Its unit");
+  convert->add_option("to", options->to, "The unit wanted");
   convert->add_option("--series", options->series, "Series of the units (guessed from the units when left out)");
-  convert->callback([options, &exitCode] { exitCode = runConvert(*options); });
+  // A value such as "-inf" or "-.5" looks like a cluster of short options to the
+  // parser, which sets it aside; it is taken back as the value here.
+  convert->allow_extras();
+  convert->callback([convert, options, &exitCode] {
+    if (!takeBackNegativeValue(convert->remaining(), *options)) {
+      exitCode = kExitBadInput;
+      return;
+    }
+    exitCode = runConvert(*options);
+  });
 
   CLI::App* sql = units->add_subcommand("sql", "Write the SQL script that creates and fills a units database");
   sql->add_option("file", options->file, "Where to write it (default: tempdir:sql/create_units.sql)");

@@ -35,6 +35,30 @@ TEST_F(UnitsCommand, ConvertPrintsTheValueAlone) {
   EXPECT_EQ(run("units convert 1 mi m").out, "1609.34\n");
 }
 
+TEST_F(UnitsCommand, NegativeValuesAreValuesNotOptions) {
+  for (const auto& [args, out] : {std::pair{"-5 ft m", "-1.524\n"}, std::pair{"-.5 ft m", "-0.1524\n"},
+                                  std::pair{"--series depth -40 ft m", "-12.192\n"},
+                                  std::pair{"-40 degc degf --series temperature", "-40\n"}}) {
+    const CommandRun r = run(std::string("units convert ") + args);
+    EXPECT_EQ(r.status, 0) << args << ": " << r.err;
+    EXPECT_EQ(r.out, out) << args;
+  }
+}
+
+TEST_F(UnitsCommand, InfinitiesAndNanAreNotNumbers) {
+  for (const char* value : {"nan", "inf", "-inf", "NaN", "-infinity"}) {
+    const CommandRun r = run(std::string("units convert ") + value + " ft m");
+    EXPECT_EQ(r.status, 2) << value;
+    EXPECT_EQ(r.out, "") << value;
+    EXPECT_EQ(r.err, std::string("subsurf: \"") + value + "\" is not a number\n");
+  }
+  const CommandRun extra = run("units convert -5 ft m -3");
+  EXPECT_EQ(extra.status, 2);
+  EXPECT_EQ(extra.err, "subsurf: Unexpected arguments: -3\n");
+  EXPECT_EQ(run("units convert 1 ft").err,
+            "subsurf: units convert needs a value, its unit and the unit wanted: units convert VALUE FROM TO\n");
+}
+
 TEST_F(UnitsCommand, UnknownUnitNamesTheAdmissibleOnes) {
   const CommandRun r = run("units convert 100 ft furlong");
   EXPECT_EQ(r.status, 2);
