@@ -75,9 +75,7 @@ int UnitsRegistry::findSeries(std::string_view name) const {
 }
 
 int UnitsRegistry::guessSeries(std::string_view unitName) const {
-  for (int iser = 0; iser <= lastSeries(); ++iser)
-    if (findUnit(iser, unitName) >= 1) return iser;
-  return -1;
+  return names_.firstSeriesWithName(lookupName(unitName));
 }
 
 int UnitsRegistry::guessSeries(std::string_view unitA, std::string_view unitB) const {
@@ -104,14 +102,40 @@ const UnitDefinition* UnitsRegistry::unitOf(int iser, int iun) const {
 
 int UnitsRegistry::findUnit(int iser, std::string_view unitName) const {
   if (!validSeries(iser)) return 0;
-  const std::string key = lookupName(unitName);
-  const UnitSeries& s = series_[static_cast<std::size_t>(iser)];
-  for (int iun = 1; iun <= s.unitCount; ++iun) {
-    if (!unitOf(iser, iun)) continue;
-    const int id = entryOf(iser, iun)->unitId;
-    if (lowerUnitNames_[static_cast<std::size_t>(id - 1)] == key) return iun;
+  return names_.find(UnitNameIndex::Table::LowerName, iser, lookupName(unitName));
+}
+
+TypedUnit UnitsRegistry::findTypedUnit(int iser, std::string_view typed) const {
+  if (!validSeries(iser)) return {};
+  using Table = UnitNameIndex::Table;
+  struct Step {
+    Table table;
+    TypedUnit::By by;
+    bool exactCase;
+  };
+  static constexpr Step kOrder[] = {{Table::Name, TypedUnit::By::Name, true},
+                                    {Table::OtherName, TypedUnit::By::OtherName, true},
+                                    {Table::LowerName, TypedUnit::By::Name, false},
+                                    {Table::LowerOtherName, TypedUnit::By::OtherName, false}};
+  const std::string text = trimBlanks(typed);
+  const std::string lower = lowerCase(text);
+  for (const Step& step : kOrder) {
+    const int iun = names_.find(step.table, iser, step.exactCase ? text : lower);
+    if (iun >= 1) return {iun, step.by, step.exactCase};
   }
-  return 0;
+  return {};
+}
+
+int UnitsRegistry::guessSeriesTyped(std::string_view typed) const {
+  for (int iser = 0; iser <= lastSeries(); ++iser)
+    if (findTypedUnit(iser, typed).iun >= 1) return iser;
+  return -1;
+}
+
+int UnitsRegistry::guessSeriesTyped(std::string_view typedA, std::string_view typedB) const {
+  for (int iser = 0; iser <= lastSeries(); ++iser)
+    if (findTypedUnit(iser, typedA).iun >= 1 && findTypedUnit(iser, typedB).iun >= 1) return iser;
+  return -1;
 }
 
 int UnitsRegistry::unitId(int iser, int iun) const {
