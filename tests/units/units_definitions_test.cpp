@@ -23,6 +23,7 @@ using testing::closeTo;
 
 constexpr double kFoot = 0.3048, kPound = 0.45359237, kBarrel = 0.158987294928, kGallon = 0.003785411784;
 constexpr double kCubicFoot = kFoot * kFoot * kFoot;
+constexpr double kSurveyFoot = 1200.0 / 3937.0;
 constexpr double kPsi = kPound * 9.80665 / (0.0254 * 0.0254);             // Pa
 constexpr double kDarcy = 1e-3 * 1e-6 * 1e-2 / (1e-4 * 101325.0);          // 1 cp * 1 cm3/s * 1 cm / (1 cm2 * 1 atm)
 
@@ -68,7 +69,7 @@ const Fact kFacts[] = {
     {"slowness", 100.0, "us/ft", "us/m", 100.0 / kFoot},
     {"slowness", 2000.0, "m/s", "s/m", 0.0005},
     {"slowness", 0.0005, "s/m", "us/m", 500.0},
-    {"area", 1.0, "acre", "ft2", 43560.0},
+    {"area", 1.0, "acre", "ft2", 43560.0 * kSurveyFoot * kSurveyFoot / (kFoot * kFoot)},  // 43560 survey ft2
     {"volume", 1.0, "bbl", "gal", 42.0},
     {"volume", 1.0, "mcf", "m3", 1000.0 * kCubicFoot},
     {"angle", 180.0, "deg", "rad", std::numbers::pi},
