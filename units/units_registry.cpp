@@ -26,10 +26,10 @@ constexpr double kSameExponent = 0.01f;
 constexpr double kTinyMagnitude = 1.0e-20;
 
 // A unit name as compared: cut to its field width, trailing blanks dropped, lower case.
-std::string lookupName(std::string_view name) {
+LowerText lookupName(std::string_view name) {
   name = name.substr(0, 16);
   while (!name.empty() && name.back() == ' ') name.remove_suffix(1);
-  return lowerCase(name);
+  return LowerText(name);
 }
 
 bool beyondConversion(double v) { return std::fabs(v) > static_cast<double>(kNeverConvertMagnitude); }
@@ -75,7 +75,7 @@ int UnitsRegistry::findSeries(std::string_view name) const {
 }
 
 int UnitsRegistry::guessSeries(std::string_view unitName) const {
-  return names_.firstSeriesWithName(lookupName(unitName));
+  return names_.firstSeriesWithName(lookupName(unitName).view());
 }
 
 int UnitsRegistry::guessSeries(std::string_view unitA, std::string_view unitB) const {
@@ -102,7 +102,7 @@ const UnitDefinition* UnitsRegistry::unitOf(int iser, int iun) const {
 
 int UnitsRegistry::findUnit(int iser, std::string_view unitName) const {
   if (!validSeries(iser)) return 0;
-  return names_.find(UnitNameIndex::Table::LowerName, iser, lookupName(unitName));
+  return names_.find(UnitNameIndex::Table::LowerName, iser, lookupName(unitName).view());
 }
 
 TypedUnit UnitsRegistry::findTypedUnit(int iser, std::string_view typed) const {
@@ -117,10 +117,11 @@ TypedUnit UnitsRegistry::findTypedUnit(int iser, std::string_view typed) const {
                                     {Table::OtherName, TypedUnit::By::OtherName, true},
                                     {Table::LowerName, TypedUnit::By::Name, false},
                                     {Table::LowerOtherName, TypedUnit::By::OtherName, false}};
-  const std::string text = trimBlanks(typed);
-  const std::string lower = lowerCase(text);
+  const std::string_view text = trimmedBlanks(typed);
+  const LowerText lower(text);
+  if (!lower.fits()) return {};
   for (const Step& step : kOrder) {
-    const int iun = names_.find(step.table, iser, step.exactCase ? text : lower);
+    const int iun = names_.find(step.table, iser, step.exactCase ? text : lower.view());
     if (iun >= 1) return {iun, step.by, step.exactCase};
   }
   return {};
@@ -468,7 +469,7 @@ void UnitsRegistry::convert(const float* in, float* out, std::size_t n, int iser
 double UnitsRegistry::convertByName(double value, int iser, std::string_view from, std::string_view to,
                                     int& err) const {
   err = 0;
-  if (lookupName(from).empty() || lookupName(to).empty()) return value;
+  if (lookupName(from).view().empty() || lookupName(to).view().empty()) return value;
   const int ifrom = findUnit(iser, from);
   const int ito = findUnit(iser, to);
   if (ifrom < 1 || ito < 1) {
