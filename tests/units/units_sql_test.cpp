@@ -1,5 +1,6 @@
 // The SQL script of the registry: the schema's fixed statements and one insert
 // per row, compared line for line.
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -100,6 +101,34 @@ TEST(UnitsSqlScript, ExportWritesCreateUnitsUnderTempdirSql) {
   const std::vector<std::string> lines = linesOf(TempDir::read(dir.file("sql/create_units.sql")));
   ASSERT_GT(lines.size(), linesOf(kSchema).size());
   EXPECT_EQ(lines, unitsRegistry().sqlScript());
+
+  // The whole shipped registry: the schema, then one insert per dimension,
+  // unit, series and series entry, each kind between its own statements.
+  const UnitsRegistry& reg = unitsRegistry();
+  const std::vector<std::string> schema = linesOf(kSchema);
+  ASSERT_TRUE(std::equal(schema.begin(), schema.end(), lines.begin()));
+  auto count = [&](const std::string& prefix) {
+    return std::count_if(lines.begin(), lines.end(), [&](const std::string& l) { return l.rfind(prefix, 0) == 0; });
+  };
+  std::size_t entries = 0;
+  for (int iser = 0; iser <= reg.lastSeries(); ++iser) entries += static_cast<std::size_t>(reg.unitCount(iser));
+  EXPECT_EQ(count("INSERT INTO UNIT_DIMS (dim_id, dim_name) values ("), static_cast<long>(reg.dimensions().size()));
+  EXPECT_EQ(count("INSERT INTO UNITS (unit_id, unit_name, unit_oname,  unit_dim, unit_nc, unit_c1, unit_c2, unit_c3,  "
+                  "unit_c4) values ("),
+            static_cast<long>(reg.units().size()));
+  EXPECT_EQ(count("INSERT INTO SERIES (ser_id, ser_name, ser_dim, ser_un_m,  ser_un_of,  ser_un_si) values ("),
+            reg.lastSeries() + 1);
+  EXPECT_EQ(count("INSERT INTO SERIES_UNITS (su_name, su_iser, su_uid,  su_iun,  su_io) values ("),
+            static_cast<long>(entries));
+  EXPECT_EQ(lines.size(), schema.size() + 5 + reg.dimensions().size() + reg.units().size() +
+                              static_cast<std::size_t>(reg.lastSeries() + 1) + entries);
+  EXPECT_EQ(lines[schema.size() + 1],
+            "INSERT INTO UNIT_DIMS (dim_id, dim_name) values (1, 'dimensionless');");
+  EXPECT_NE(std::find(lines.begin(), lines.end(),
+                      "INSERT INTO UNITS (unit_id, unit_name, unit_oname,  unit_dim, unit_nc, unit_c1, unit_c2, "
+                      "unit_c3,  unit_c4) values (18, 'psig', 'psi gauge', 3, 2, 6894.757293168362, "
+                      "14.695948775513449, 1, 1);"),
+            lines.end());
 }
 
 }  // namespace
