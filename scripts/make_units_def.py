@@ -171,7 +171,7 @@ UNITS = [
     ("inHg", "in Hg", "pressure", "inHg[32degF]", "inch of mercury at 32 degF"),
     ("torr", "Torr", "pressure", "torr", "torr (1/760 standard atmosphere)"),
     ("mPa", "millipascal", "pressure", "mPa", "millipascal"),
-    ("g/L", "kg/m3 ", "density", "g/L", "gram per litre"),
+    ("g/L", "g/l", "density", "g/L", "gram per litre"),
     ("lbm/bbl", "ppb", "density", "lbm/bbl", "pound per barrel"),
     ("mg/L", "mg/l", "density", "mg/L", "milligram per litre"),
     ("P", "poise", "viscosity", "P", "poise"),
