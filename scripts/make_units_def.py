@@ -451,11 +451,11 @@ def build(factors):
 
     # Series members (places in UNITS) and the first-entry number of each series.
     layout, first = [], 1
-    for sname, dim, defaults, spec in SERIES:
+    for sname, dim, defaults, members_text in SERIES:
         if len(sname) > 20:
             fail(f"series {sname}: name longer than 20 characters")
         members = []
-        for word in spec.replace("|", " ").split():
+        for word in members_text.replace("|", " ").split():
             hidden = word.startswith("~")
             name = word[1:] if hidden else word
             name = " " if name == "_" else name
