@@ -12,6 +12,7 @@
 #include "fluids/fluid_batch.h"
 #include "fluids/fluid_entries.h"
 #include "subsurf/fluids.h"
+#include "subsurf/units.h"
 
 namespace {
 
@@ -126,4 +127,12 @@ BENCHMARK(BM_CalculateAllThroughExports)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
-BENCHMARK_MAIN();
+// The units registry is loaded first, as every program does at start.
+int main(int argc, char** argv) {
+  X_INIT();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

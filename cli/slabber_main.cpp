@@ -2,12 +2,14 @@
 #include <CLI/CLI.hpp>
 
 #include "cli_support.h"
+#include "subsurf/units.h"
 
 #include "session_command.h"
 #include "split_command.h"
 
 int main(int argc, char** argv) {
   subsurf::cli::installTerminalHost("slabber");
+  X_INIT();  // the units registry, before any command asks it
   CLI::App app{
       "slabber: cut photographs of boxed core trays into one image per core row, named by depth,\n"
       "with a comma-separated table of clipping depths."};

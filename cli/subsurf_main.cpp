@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli_support.h"
+#include "subsurf/units.h"
 
 #include "units_command.h"
 #include "fluids_command.h"
@@ -10,6 +11,7 @@
 
 int main(int argc, char** argv) {
   subsurf::cli::installTerminalHost("subsurf");
+  X_INIT();  // the units registry, before any command asks it
   CLI::App app{"subsurf: subsurface engineering tools (units, fluid properties)"};
   app.require_subcommand(1);
   int exitCode = subsurf::cli::kExitOk;

@@ -33,6 +33,7 @@ constexpr std::size_t kHeaderWidth = 40;
 constexpr std::size_t kDimensionNameWidth = 32;
 constexpr std::size_t kUnitNameWidth = 16;
 constexpr std::size_t kSeriesNameWidth = 20;
+constexpr std::size_t kDescriptionWidth = 60;
 
 // Row numbers beyond this are taken for typing errors rather than allocated.
 constexpr int kMaxRowNumber = 100000;
@@ -190,6 +191,16 @@ class DefinitionsReader {
         return;
       }
     }
+    // A zero scale makes every value of the unit zero (100 ft would be 0 m):
+    // a typing error, never a unit.
+    for (int k : {0, 3}) {
+      if (k < u.nc && *coefficient[k] == 0.0) {
+        undefine();
+        reject(file, fmt::format("{} is zero - row skipped", kNames[k]));
+        return;
+      }
+    }
+    u.description = fieldText(row, 10, kDescriptionWidth);  // optional
     storeAt(reg_.units_, id, std::move(u), kUnitGap);
   }
 
@@ -300,8 +311,10 @@ Status UnitsRegistry::load(const std::string& path) {
     clear();
     return status;
   }
-  lowerUnitNames_.reserve(units_.size());
-  for (const UnitDefinition& u : units_) lowerUnitNames_.push_back(lowerCase(u.name));
+  for (int iser = 0; iser <= lastSeries(); ++iser) {
+    for (int iun = 1; iun <= series_[static_cast<std::size_t>(iser)].unitCount; ++iun)
+      if (const UnitDefinition* u = unitOf(iser, iun)) names_.add(iser, iun, u->name, u->otherName);
+  }
   return status;
 }
 
@@ -310,7 +323,7 @@ void UnitsRegistry::clear() {
   units_.clear();
   series_.clear();
   entries_.clear();
-  lowerUnitNames_.clear();
+  names_.clear();
 }
 
 }  // namespace subsurf

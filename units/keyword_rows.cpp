@@ -133,13 +133,8 @@ RowRead wrongKind(const CsvRow& row, const char* kind) {
   return r;
 }
 
-// The name of a unit outlives its position: take the position of the name when
-// the series has it.
-void reconcileUnit(DT_UNIT& unit) {
-  const int iun = unitPositionIn(unit, fixedText(unit.CU));
-  if (iun >= 1) unit.IUN = iun;
-}
-
+// The unit is taken as the row holds it: the position from column 6 and the
+// name from column 4, each as written, with no lookup of one by the other.
 template <typename R>
 void readRealFields(FieldReader& in, R& rec) {
   in.text(4, rec.VU.CU);
@@ -251,7 +246,6 @@ RowRead readRealRow(const CsvRow& row, DT_RSCA& rec) {
   in.real(3, rec.V);
   readRealFields(in, rec);
   in.real(9, rec.RELERR);  // a row ending earlier leaves the null of the defaults
-  reconcileUnit(rec.VU);
   setDisplayText(rec);
   return in.result(rowKey(row));
 }
@@ -266,7 +260,6 @@ RowRead readDoubleRow(const CsvRow& row, DT_DSCA& rec) {
   in.real8(9, rec.RELERR);
   in.text(13, rec.SHORT);
   in.integer(14, rec.IEXTRA);
-  reconcileUnit(rec.VU);
   setDisplayText(rec);
   return in.result(rowKey(row));
 }

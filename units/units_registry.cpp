@@ -8,7 +8,6 @@
 
 #include <cmath>
 #include <limits>
-#include <mutex>
 
 #include "host/fixed_text.h"
 #include "host/guarded_math.h"
@@ -27,10 +26,10 @@ constexpr double kSameExponent = 0.01f;
 constexpr double kTinyMagnitude = 1.0e-20;
 
 // A unit name as compared: cut to its field width, trailing blanks dropped, lower case.
-std::string lookupName(std::string_view name) {
+LowerText lookupName(std::string_view name) {
   name = name.substr(0, 16);
   while (!name.empty() && name.back() == ' ') name.remove_suffix(1);
-  return lowerCase(name);
+  return LowerText(name);
 }
 
 bool beyondConversion(double v) { return std::fabs(v) > static_cast<double>(kNeverConvertMagnitude); }
@@ -76,9 +75,7 @@ int UnitsRegistry::findSeries(std::string_view name) const {
 }
 
 int UnitsRegistry::guessSeries(std::string_view unitName) const {
-  for (int iser = 0; iser <= lastSeries(); ++iser)
-    if (findUnit(iser, unitName) >= 1) return iser;
-  return -1;
+  return names_.firstSeriesWithName(lookupName(unitName).view());
 }
 
 int UnitsRegistry::guessSeries(std::string_view unitA, std::string_view unitB) const {
@@ -105,14 +102,41 @@ const UnitDefinition* UnitsRegistry::unitOf(int iser, int iun) const {
 
 int UnitsRegistry::findUnit(int iser, std::string_view unitName) const {
   if (!validSeries(iser)) return 0;
-  const std::string key = lookupName(unitName);
-  const UnitSeries& s = series_[static_cast<std::size_t>(iser)];
-  for (int iun = 1; iun <= s.unitCount; ++iun) {
-    if (!unitOf(iser, iun)) continue;
-    const int id = entryOf(iser, iun)->unitId;
-    if (lowerUnitNames_[static_cast<std::size_t>(id - 1)] == key) return iun;
+  return names_.find(UnitNameIndex::Table::LowerName, iser, lookupName(unitName).view());
+}
+
+TypedUnit UnitsRegistry::findTypedUnit(int iser, std::string_view typed) const {
+  if (!validSeries(iser)) return {};
+  using Table = UnitNameIndex::Table;
+  struct Step {
+    Table table;
+    TypedUnit::By by;
+    bool exactCase;
+  };
+  static constexpr Step kOrder[] = {{Table::Name, TypedUnit::By::Name, true},
+                                    {Table::OtherName, TypedUnit::By::OtherName, true},
+                                    {Table::LowerName, TypedUnit::By::Name, false},
+                                    {Table::LowerOtherName, TypedUnit::By::OtherName, false}};
+  const std::string_view text = trimmedBlanks(typed);
+  const LowerText lower(text);
+  if (!lower.fits()) return {};
+  for (const Step& step : kOrder) {
+    const int iun = names_.find(step.table, iser, step.exactCase ? text : lower.view());
+    if (iun >= 1) return {iun, step.by, step.exactCase};
   }
-  return 0;
+  return {};
+}
+
+int UnitsRegistry::guessSeriesTyped(std::string_view typed) const {
+  for (int iser = 0; iser <= lastSeries(); ++iser)
+    if (findTypedUnit(iser, typed).iun >= 1) return iser;
+  return -1;
+}
+
+int UnitsRegistry::guessSeriesTyped(std::string_view typedA, std::string_view typedB) const {
+  for (int iser = 0; iser <= lastSeries(); ++iser)
+    if (findTypedUnit(iser, typedA).iun >= 1 && findTypedUnit(iser, typedB).iun >= 1) return iser;
+  return -1;
 }
 
 int UnitsRegistry::unitId(int iser, int iun) const {
@@ -445,7 +469,7 @@ void UnitsRegistry::convert(const float* in, float* out, std::size_t n, int iser
 double UnitsRegistry::convertByName(double value, int iser, std::string_view from, std::string_view to,
                                     int& err) const {
   err = 0;
-  if (lookupName(from).empty() || lookupName(to).empty()) return value;
+  if (lookupName(from).view().empty() || lookupName(to).view().empty()) return value;
   const int ifrom = findUnit(iser, from);
   const int ito = findUnit(iser, to);
   if (ifrom < 1 || ito < 1) {
@@ -465,32 +489,13 @@ UnitsRegistry& storage() {
   return registry;
 }
 
-std::once_flag& firstLoad() {
-  static std::once_flag flag;
-  return flag;
-}
-
-Status loadDefault() {
-  const Status status = storage().load(resolvePath(kUnitsDefinitionsFile));
-  if (!status) host::showMessage(status.message());
-  return status;
-}
-
 }  // namespace
 
-UnitsRegistry& unitsRegistry() {
-  std::call_once(firstLoad(), [] { loadDefault(); });
-  return storage();
-}
+UnitsRegistry& unitsRegistry() { return storage(); }
 
 Status reloadUnitsRegistry() {
-  bool loadedNow = false;
-  Status status;
-  std::call_once(firstLoad(), [&] {
-    status = loadDefault();
-    loadedNow = true;
-  });
-  if (!loadedNow) status = loadDefault();
+  const Status status = storage().load(resolvePath(kUnitsDefinitionsFile));
+  if (!status) host::showMessage(status.message());
   return status;
 }
 

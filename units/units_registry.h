@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "host/status.h"
+#include "units/unit_name_index.h"
 
 namespace subsurf {
 
@@ -35,8 +36,9 @@ struct UnitDefinition {
   double c1 = 1.0, c2 = 0.0, c3 = 1.0, c4 = 1.0;
   int nc = 1;       // coefficients in force, 1..4 (0: an id the file left undefined)
   int dimension = 0;
-  std::string name;       // display name, up to 16 characters
-  std::string otherName;  // alternative name, up to 16 characters
+  std::string name;         // display name, up to 16 characters
+  std::string otherName;    // alternative name, up to 16 characters
+  std::string description;  // what the unit is, for searches; up to 60 characters
 };
 
 struct UnitSeries {
@@ -52,6 +54,14 @@ struct SeriesEntry {
   int unitId = 0;     // row of the units table, from 1
   int reserved = 0;
   int listing = 0;    // 0: listed in pick lists; anything else hides the unit
+};
+
+// A unit as a user typed it, found by findTypedUnit.
+struct TypedUnit {
+  enum class By { None, Name, OtherName };
+  int iun = 0;           // below 1 when nothing matched
+  By by = By::None;      // which of the unit's names matched
+  bool exactCase = true; // false when only a match ignoring letter case was found
 };
 
 // Direct linear conversion y = a*x + b, reciprocal afterwards when reciprocal is set.
@@ -81,6 +91,14 @@ class UnitsRegistry {
   // The first series that holds both units; -1 when none does.
   int guessSeries(std::string_view unitA, std::string_view unitB) const;
   int findUnit(int iser, std::string_view unitName) const; // below 1 when none
+  // A unit as people type it: its name, then its other name, each first in the
+  // exact letter case, then ignoring case (so "mPa" finds millipascal where the
+  // series has it, "MPA" megapascal). For the command line and entry fields;
+  // findUnit above compares names only.
+  TypedUnit findTypedUnit(int iser, std::string_view typed) const;
+  // The first series that holds the typed unit, or both typed units; -1 when none.
+  int guessSeriesTyped(std::string_view typed) const;
+  int guessSeriesTyped(std::string_view typedA, std::string_view typedB) const;
   int unitId(int iser, int iun) const;                     // 0 when none
   std::string unitName(int iser, int iun) const;           // "" when none
   std::string unitOtherName(int iser, int iun) const;
@@ -132,11 +150,12 @@ class UnitsRegistry {
   std::vector<UnitDefinition> units_;
   std::vector<UnitSeries> series_;     // index = iser
   std::vector<SeriesEntry> entries_;   // index = entry number - 1
-  std::vector<std::string> lowerUnitNames_;  // unit names in lower case, for lookups
+  UnitNameIndex names_;                // every series' unit names, for lookups
 };
 
-// The process-wide registry. On first use it loads "deflib:x_units.def";
-// X_INIT reloads it explicitly.
+// The process-wide registry. It stays empty, answering every query as for no
+// series, until X_INIT (reloadUnitsRegistry) has read "deflib:x_units.def";
+// a program calls X_INIT at start.
 UnitsRegistry& unitsRegistry();
 
 // Where the process-wide registry is read from.

@@ -101,12 +101,15 @@ std::vector<std::string> UnitsRegistry::sqlScript() const {
   for (std::size_t iser = 0; iser < series_.size(); ++iser) {
     const UnitSeries& s = series_[iser];
     if (s.name.empty()) continue;
-    for (int iun = 1; iun <= s.unitCount; ++iun) {
-      const SeriesEntry* e = entryOf(static_cast<int>(iser), iun);
-      if (!e || e->unitId < 1) continue;
+    // Every entry the series spans, also those beyond its unit count (which
+    // the conversions do not accept but the schema keeps).
+    for (int n = s.firstEntry; n <= s.lastEntry; ++n) {
+      if (n < 1 || n > static_cast<int>(entries_.size())) continue;
+      const SeriesEntry& e = entries_[static_cast<std::size_t>(n - 1)];
+      if (e.unitId < 1) continue;  // an entry the file left undefined or pointing nowhere
       out.push_back(fmt::format(
           "INSERT INTO SERIES_UNITS (su_name, su_iser, su_uid,  su_iun,  su_io) values ({}, {}, {}, {}, {});",
-          quoted(s.name), iser, e->unitId, iun, e->listing));
+          quoted(s.name), iser, e.unitId, n - s.firstEntry + 1, e.listing));
     }
   }
   return out;

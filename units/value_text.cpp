@@ -12,6 +12,7 @@
 #include "host/nulls.h"
 #include "host/number_text.h"
 #include "units/scalar_units.h"
+#include "units/units_registry.h"
 
 namespace subsurf {
 namespace {
@@ -105,7 +106,8 @@ Status readInto(R& rec, std::string_view text) {
   }
   int iun = 0;
   if (!unit.empty()) {
-    iun = unitPositionIn(rec.VU, unit);
+    // An entry field takes a unit as people type it: other names too ("psi", "cc").
+    iun = unitsRegistry().findTypedUnit(rec.VU.ISER, unit).iun;
     if (iun < 1) {
       setDisplayText(rec);
       return fail(kInvalidUnit);

@@ -16,9 +16,9 @@
  * left out); -1 a reciprocal of zero. Values of magnitude above 9.0e20 (the
  * null marks) are never converted and give err 0.
  *
- * The registry is read from "deflib:x_units.def" by X_INIT, or on the first
- * call of any routine here; until it is loaded every query answers as for no
- * series.
+ * The registry is read from "deflib:x_units.def" by X_INIT, which the host
+ * (or a program) calls once at start; until then every query answers as for
+ * no series.
  */
 #ifndef SUBSURF_UNITS_H
 #define SUBSURF_UNITS_H

@@ -231,15 +231,21 @@ TEST(ScalarRowReading, DisplayTextIsRebuiltNotRead) {
   EXPECT_EQ(fixedText(r.DESC), "");
 }
 
-TEST(ScalarRowReading, UnitNameWinsOverAStalePosition) {
-  // Saved as metres but with the position of feet (definitions changed since).
+TEST(ScalarRowReading, PositionIsTakenFromItsColumnAsWritten) {
+  // Saved as metres but with the position of feet: the position stands, the
+  // name is kept as written beside it.
   const CsvRow row = CsvRow::parse("top,4,10,m," + depthFeet() + ",1,0");
+  ASSERT_NE(unitOf("m"), unitOf("ft"));
   DT_RSCA r;
   ASSERT_TRUE(readRealRow(row, r).ok());
-  EXPECT_EQ(r.VU.IUN, unitOf("m"));
+  EXPECT_EQ(r.VU.IUN, unitOf("ft"));
+  EXPECT_EQ(fixedText(r.VU.CU), "m");
   EXPECT_EQ(r.V, 10.0f);
+  DT_DSCA d;
+  ASSERT_TRUE(readDoubleRow(CsvRow::parse("spud,5,10,m," + depthFeet() + ",1,0"), d).ok());
+  EXPECT_EQ(d.VU.IUN, unitOf("ft"));
 
-  // A name the series does not know leaves the saved position.
+  // A name the series does not know leaves the saved position too.
   const CsvRow odd = CsvRow::parse("top,4,10,furlong," + std::to_string(depthSeries()) + ",2,1,0");
   ASSERT_TRUE(readRealRow(odd, r).ok());
   EXPECT_EQ(r.VU.IUN, 2);

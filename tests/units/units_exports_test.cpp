@@ -45,7 +45,7 @@ int unitOf(int iser, const char* name) {
 }
 
 TEST(UnitsExports, TextsComeBackBlankPaddedOrAllBlank) {
-  const int depth = seriesOf("depth"), ft = unitOf(depth, "ft"), bad = 3, none = -1;
+  const int depth = seriesOf("depth"), ft = unitOf(depth, "ft"), bad = 99, none = -1;
   Field<20> series;
   Field<16> unit;
   X_GETCSER(&depth, series.text);
@@ -77,8 +77,8 @@ TEST(UnitsExports, CountsAndDefaults) {
   EXPECT_EQ(last, unitsRegistry().lastSeries());
   X_NSERUNITS(&fraction, &n);
   X_GETNULIST(&fraction, &listed);
-  EXPECT_EQ(n, 6);  // "p.u." is hidden from pick lists
-  EXPECT_EQ(listed, 5);
+  EXPECT_EQ(n, 8);  // "p.u." is hidden from pick lists
+  EXPECT_EQ(listed, 7);
   const int beyond = last + 1;
   X_NSERUNITS(&beyond, &n);
   EXPECT_EQ(n, 0);
@@ -99,19 +99,20 @@ TEST(UnitsExports, CountsAndDefaults) {
 
 TEST(UnitsExports, ListedNamesFillConsecutiveFields) {
   const int fraction = seriesOf("fraction");
-  std::vector<char> names(6 * 16 + 1, '#');
-  int capacity = 6, count = 0;
+  std::vector<char> names(8 * 16 + 1, '#');
+  int capacity = 8, count = 0;
   X_GETULISTA(&fraction, names.data(), &capacity, &count);
-  EXPECT_EQ(count, 5);
-  EXPECT_EQ(std::string(names.data(), 5 * 16),
-            padded("fr", 16) + padded("v/v", 16) + padded("vol/vol", 16) + padded("%", 16) + padded("pu", 16));
-  EXPECT_EQ(names[5 * 16], '#');
+  EXPECT_EQ(count, 7);
+  EXPECT_EQ(std::string(names.data(), 7 * 16), padded("fr", 16) + padded("v/v", 16) + padded("vol/vol", 16) +
+                                                   padded("%", 16) + padded("pu", 16) + padded("ppm", 16) +
+                                                   padded("ppk", 16));
+  EXPECT_EQ(names[7 * 16], '#');
 
   // A short array takes what fits; the count still tells how many there are.
   std::fill(names.begin(), names.end(), '#');
   capacity = 2;
   X_GETULISTDS(&fraction, names.data(), &capacity, &count);
-  EXPECT_EQ(count, 5);
+  EXPECT_EQ(count, 7);
   EXPECT_EQ(names[32], '#');
 }
 

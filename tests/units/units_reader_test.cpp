@@ -102,7 +102,11 @@ TEST_F(DefinitionsFile, MalformedRowsAreReportedAndSkipped) {
                    "1,1\n"                        // 22
                    "2,2,0,0\n"                    // 23
                    "3,3,0,0\n"                    // 24
-                   "4,m\n")                       // 25
+                   "4,m\n"                        // 25
+                   "**Units\n"                    // 26
+                   "6,nothing,,1,1,0\n"           // 27
+                   "7,nil,,1,4,1,0,1,0.0\n"       // 28
+                   "8,twice,,1,4,2,0,1,1\n")      // 29
                   .isOk());
   EXPECT_THAT(messages(), ElementsAre(at(1, "row outside a section - row skipped"),
                                       at(4, "bad dim_name - row skipped"),
@@ -115,6 +119,8 @@ TEST_F(DefinitionsFile, MalformedRowsAreReportedAndSkipped) {
                                       at(17, "bad ser_name - row skipped"),
                                       at(18, "bad unit count - row skipped"),
                                       at(25, "bad unit_id - row skipped"),
+                                      at(27, "unit_c1 is zero - row skipped"),
+                                      at(28, "unit_c4 is zero - row skipped"),
                                       path_ + ": entry 3 names undefined unit_id 3",
                                       path_ + ": series volume uses undefined entry 4 - it is left without units",
                                       path_ + ": series 4 is not defined"));
@@ -128,6 +134,8 @@ TEST_F(DefinitionsFile, MalformedRowsAreReportedAndSkipped) {
   EXPECT_EQ(reg.unitCount(3), 0);
   EXPECT_EQ(reg.seriesName(4), "");
   EXPECT_EQ(reg.unitCount(5), 1);
+  EXPECT_EQ(reg.units()[7].name, "twice");  // a unit after the rejected ones stands
+  EXPECT_EQ(reg.units()[5].nc, 0);
 }
 
 TEST_F(DefinitionsFile, TextColumnsAreCutToTheirFieldWidths) {
@@ -151,7 +159,7 @@ const char* const kRulesFile =
     "3,shifted,,1,2,2,10\n"
     "4,recip,,1,3,4,0,-1\n"
     "5,inv,,1,4,1,0,-1,1\n"
-    "6,zeroc1,,1,2,0,5\n"
+    "6,zeroexp,,1,3,1,5,0\n"
     "7,squared,,1,4,1,0,2,1\n"
     "8,kilo,,1,4,1000,0,1,1\n"
     "**Series\n"
@@ -227,8 +235,8 @@ TEST_F(ConversionRules, FaultsOnTheWayThroughSI) {
   reg.convert(v.data(), v.size(), 0, 5, 1, err);
   EXPECT_EQ(err, 1);
   EXPECT_EQ(v, (std::vector<double>{0.25, 1e-25, 2.0}));
-  // A zero scale in the target: that step is left out, the offset still comes off.
-  EXPECT_EQ(convert(12.0, "base", "zeroc1", err), 7.0);
+  // A zero exponent in the target: that step is left out, the offset still comes off.
+  EXPECT_EQ(convert(12.0, "base", "zeroexp", err), 7.0);
   EXPECT_EQ(err, 1);
   // Powers are undone on the way out; a square root of a negative value is left out.
   EXPECT_EQ(convert(9.0, "base", "squared", err), 3.0);

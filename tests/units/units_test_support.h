@@ -1,6 +1,7 @@
 // Helpers shared by the units registry tests.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <sstream>
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "host/messages.h"
 #include "units/units_registry.h"
 
 namespace subsurf::testing {
@@ -40,8 +42,10 @@ inline std::vector<std::string> linesOf(const std::string& text) {
 }
 
 // Checks that a relative difference is within tol (an absolute one near zero).
-inline ::testing::AssertionResult closeTo(double actual, double expected, double tol = 1e-12) {
-  const double scale = std::fabs(expected) > 1.0 ? std::fabs(expected) : 1.0;
+// A value reached through an offset (a gauge pressure, degrees Fahrenheit) can
+// only be as exact as that offset allows: `floor` raises the scale to it.
+inline ::testing::AssertionResult closeTo(double actual, double expected, double tol = 1e-12, double floor = 1.0) {
+  const double scale = std::max({std::fabs(expected), 1.0, std::fabs(floor)});
   if (std::fabs(actual - expected) <= tol * scale) return ::testing::AssertionSuccess();
   return ::testing::AssertionFailure() << actual << " is not within " << tol << " (relative) of " << expected;
 }
@@ -61,5 +65,24 @@ inline double convertNamed(const UnitsRegistry& reg, const std::string& series, 
   else EXPECT_EQ(err, 0) << value << " " << from << " -> " << to;
   return y;
 }
+
+// A fixture whose suite shares the registry read from the shipped definitions file.
+class ShippedRegistryTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    host::clearRecorded();
+    reg_ = new UnitsRegistry;
+    ASSERT_TRUE(reg_->load(shippedDefinitions()).isOk());
+    ASSERT_TRUE(host::recordedMessages().empty()) << host::recordedMessages().front();
+  }
+  static void TearDownTestSuite() {
+    delete reg_;
+    reg_ = nullptr;
+  }
+  static const UnitsRegistry& reg() { return *reg_; }
+
+ private:
+  static inline UnitsRegistry* reg_ = nullptr;
+};
 
 }  // namespace subsurf::testing

@@ -132,6 +132,13 @@ TEST_F(ValueText, UnitAfterTheNumberIsConvertedOrRefused) {
   EXPECT_FLOAT_EQ(r.RELERR, 0.02f);
   EXPECT_TRUE(messages().empty());
 
+  // Other names are taken too: a US survey foot typed by its other name.
+  EXPECT_EQ(enter(r, "1000 ft[US]"), 0);
+  EXPECT_NEAR(r.V, 304.8006f, 1e-3);
+  EXPECT_EQ(enter(r, "10 feet"), 0);
+  EXPECT_NEAR(r.V, 3.048f, 1e-5);
+  EXPECT_TRUE(messages().empty());
+
   EXPECT_EQ(enter(r, "12 furlongs"), 1);
   EXPECT_NEAR(r.V, 3.048f, 1e-5);
   EXPECT_EQ(messages(), std::vector<std::string>{"Invalid unit!"});
