@@ -20,7 +20,11 @@
 
 #include "cli_support.h"
 #include "core/core_session.h"
+#include "core/depth_sources.h"
+#include "core/image_settings.h"
+#include "core/output_plan.h"
 #include "core/session_files.h"
+#include "core/split_manifest.h"
 #include "core/split_naming.h"
 #include "core/split_process.h"
 #include "host/drawing/preview.h"
@@ -230,6 +234,10 @@ struct SplitArgs {
   bool yes = false;
   bool no = false;
   int jobs = 0;
+  bool unique = false;
+  std::string manifest;
+  bool noManifest = false;
+  std::string hole;
 };
 
 // A decoded tray photograph is one block of tens of megabytes (72 MB for a
@@ -294,11 +302,24 @@ int runSplit(const SplitArgs& args) {
   Console console(terminal);
   ConsoleHost consoleHost(console, interactive);
 
+  std::vector<bool> hadDepths;
+  for (CoreImage* image : session.images()) hadDepths.push_back(hasTrayDepths(*image));
   std::vector<split::PhotoJob> jobs;
   if (!split::prepareRun(session, options, jobs)) {
     console.finish();
     return kExitBadInput;  // "No images found" has been shown
   }
+  const std::vector<CarriedTray> carried = traysGivenDepths(session, hadDepths);
+  // Every row's file is known before the first is written: two rows under
+  // one name would leave only one of them.
+  const split::OutputPlan plan = split::planOutputs(jobs, options, args.unique);
+  for (const std::string& m : plan.collisions) host::showMessage(m);
+  if (!plan.ok()) {
+    host::showMessage("Nothing written: give --unique to add a distinguishing part to such names");
+    console.finish();
+    return kExitBadInput;
+  }
+  for (const std::string& m : plan.renamed) host::showMessage(m);
   int rowCount = 0;
   for (const auto& job : jobs) rowCount += static_cast<int>(job.rows.size());
 
@@ -339,6 +360,23 @@ int runSplit(const SplitArgs& args) {
     reportWritten = static_cast<bool>(split::writeReportFile(options.reportFile, split::reportLines(outcomes)));
     reportFailed = !reportWritten;
   }
+  split::ManifestOptions manifest;
+  if (!args.noManifest) {
+    manifest.path = !args.manifest.empty() ? args.manifest
+                    : options.naming.outputBesidePhoto
+                        ? split::joinFolder(sessionFolder(args.session), "manifest.csv")
+                        : split::joinFolder(options.naming.outputFolder, "manifest.csv");
+    manifest.hole = args.hole;
+    manifest.unitOf = [&](int place) {
+      if (!trimBlanks(options.reportUnit).empty()) return trimBlanks(options.reportUnit);
+      const CoreImage* image = session.imageAt(place);
+      return image ? depthUnitOf(image->realSetting(kRealTop)) : std::string();
+    };
+    if (!split::writeManifest(manifest, split::manifestLines(jobs, outcomes, options, manifest))) {
+      reportFailed = true;
+      manifest.path.clear();
+    }
+  }
   console.finish();
 
   const split::RunTotals totals = split::totalsOf(outcomes);
@@ -346,10 +384,16 @@ int runSplit(const SplitArgs& args) {
   std::printf("  photos:        %d", totals.photos);
   if (totals.photosFailed > 0) std::printf(" (%d could not be read)", totals.photosFailed);
   std::printf("\n  rows:          %d written of %d\n", totals.rowsWritten, totals.rows);
-  std::printf("  files written: %d", totals.rowsWritten + (reportWritten ? 1 : 0));
+  std::printf("  files written: %d", totals.rowsWritten + (reportWritten ? 1 : 0) + (manifest.path.empty() ? 0 : 1));
   if (reportWritten) std::printf(" (the table of clipping depths: %s)", options.reportFile.c_str());
   if (!options.writeReport) std::printf("\n  (no table of clipping depths: the session does not ask for one; give --report FILE)");
+  if (!manifest.path.empty()) std::printf("\n  manifest:      %s", manifest.path.c_str());
   std::printf("\n  warnings:      %d\n", console.messages());
+  for (const CarriedTray& c : carried) {
+    const std::string photo = session.imageAt(c.place)->sourceFile();
+    std::printf("  carried:       %s\n", photo.substr(split::fileNameStart(photo)).c_str());
+  }
+  std::printf("  %s\n", countDepths(session, carried).text().c_str());
   if (totals.rowsFailed > 0) {
     std::printf("Rows not written:\n");
     for (const auto& o : outcomes)
@@ -452,11 +496,21 @@ void addSplitCommands(CLI::App& app, int& exitCode) {
   split->add_option("-f,--format", splitArgs->format, "Row image format: bmp, cgm, png, jpg or tif "
                                                      "(default: the session's, bmp or cgm)");
   split->add_option("-r,--report", splitArgs->report, "Write the table of clipping depths to this file");
-  auto* yes = split->add_flag("-y,--yes", splitArgs->yes, "Answer yes to questions (derive missing depths "
-                                                          "and rectangles from the first image)");
+  auto* yes = split->add_flag("-y,--yes", splitArgs->yes, "Answer yes to questions: derive what is missing,\n"
+                                                          "rectangles from the first image and depths, for photos\n"
+                                                          "without any, carried from the tray before");
   split->add_flag("-n,--no", splitArgs->no, "Answer no to questions")->excludes(yes);
   split->add_option("-j,--jobs", splitArgs->jobs, "Photographs cut at once (default: the number of cores)")
       ->check(CLI::Range(1, 1024));
+  split->add_flag("--unique", splitArgs->unique,
+                  "When rows would be written to the same file (photos whose names agree up to\n"
+                  "their first \".\"), add a distinguishing part to their names instead of stopping");
+  auto* manifest = split->add_option("--manifest", splitArgs->manifest,
+                                     "Write the manifest (hole, photo, row, top, base, unit, light, file,\n"
+                                     "width, height) here (default: manifest.csv beside the rows)");
+  split->add_flag("--no-manifest", splitArgs->noManifest, "Write no manifest")->excludes(manifest);
+  split->add_option("--hole", splitArgs->hole,
+                    "Hole name for the manifest (default: read from each photo's name)");
   split->callback([splitArgs, &exitCode] { exitCode = runSplit(*splitArgs); });
 
   auto previewArgs = std::make_shared<PreviewArgs>();
