@@ -402,6 +402,8 @@ int runSplit(const SplitArgs& args) {
           std::printf("  %s Core %d: %s\n", o.sourceFile.c_str(), r.number, std::string(rowProblem(r)).c_str());
   }
   std::fflush(stdout);
+  // A photograph that cannot be read is unreadable input, as for any command.
+  if (totals.photosFailed > 0) return kExitBadInput;
   return totals.rowsFailed > 0 || reportFailed ? kExitPartial : kExitOk;
 }
 

@@ -455,5 +455,27 @@ TEST_F(SlabberCliTest, ShowJsonGivesEveryImageAndRow) {
   EXPECT_TRUE(b["rows"][0]["top"].is_null());
 }
 
+TEST_F(SlabberCliTest, VersionAndMistypedCommands) {
+  Outcome r = slabber({"--version"});
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out.rfind("slabber ", 0), 0u) << r.out;
+  EXPECT_NE(r.out.find('.'), std::string::npos) << r.out;
+
+  r = slabber({"splt", "s.slbs"});
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "slabber: unknown command \"splt\"; did you mean \"split\"? (slabber --help lists them)\n");
+  r = slabber({"templates", "lsit"});
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err,
+            "slabber: unknown command \"lsit\"; did you mean \"templates list\"? (slabber --help lists them)\n");
+  r = slabber({"shwo"});
+  EXPECT_EQ(r.err, "slabber: unknown command \"shwo\"; did you mean \"show\"? (slabber --help lists them)\n");
+
+  const Outcome other = subsurf::testing::runCommand(quoted(subsurf::testing::builtProgram("subsurf")) +
+                                                     " --version");
+  EXPECT_EQ(other.status, 0);
+  EXPECT_EQ(other.out.rfind("subsurf ", 0), 0u) << other.out;
+}
+
 }  // namespace
 }  // namespace subsurf
