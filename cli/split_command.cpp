@@ -22,6 +22,7 @@
 #include "core/core_session.h"
 #include "core/depth_sources.h"
 #include "core/image_settings.h"
+#include "core/layout_checks.h"
 #include "core/output_plan.h"
 #include "core/session_files.h"
 #include "core/split_manifest.h"
@@ -218,6 +219,8 @@ int defaultJobs() {
   return n == 0 ? 1 : static_cast<int>(n);
 }
 
+std::string fileNameOf(const std::string& path) { return path.substr(split::fileNameStart(path)); }
+
 std::string_view rowProblem(const split::RowOutcome& r) {
   if (!r.problem.empty()) return r.problem;
   return "not written";
@@ -320,6 +323,13 @@ int runSplit(const SplitArgs& args) {
     return kExitBadInput;
   }
   for (const std::string& m : plan.renamed) host::showMessage(m);
+  for (const split::PhotoJob& job : jobs) {
+    // Without reading the photographs: the frame the rectangles were drawn on.
+    const bool frameKnown = job.displayReduction == 1.0f;
+    for (const std::string& w : split::layoutWarnings(fileNameOf(job.sourceFile), split::rowBoxes(job, 0, 0),
+                                                      frameKnown ? job.shownWidth : 0, frameKnown ? job.shownHeight : 0))
+      host::showMessage(w);
+  }
   int rowCount = 0;
   for (const auto& job : jobs) rowCount += static_cast<int>(job.rows.size());
 
@@ -466,12 +476,15 @@ int runPreview(const PreviewArgs& args) {
       drawing::PreviewOutline outline;
       outline.index = row.number;
       outline.label = label;
-      outline.points = {{double(box.left), double(box.top)},
-                        {double(box.right), double(box.top)},
-                        {double(box.right), double(box.bottom)},
-                        {double(box.left), double(box.bottom)}};
+      // Where the row really comes from: a turned photograph is cut after turning.
+      for (const split::PixelPoint& p : split::cutOutline(box, job.angleDegrees, size.width, size.height))
+        outline.points.push_back({double(p.x), double(p.y)});
       outlines.push_back(std::move(outline));
     }
+    for (const std::string& w : split::layoutWarnings(fileNameOf(job.sourceFile),
+                                                      split::rowBoxes(job, size.width, size.height), size.width,
+                                                      size.height))
+      host::showMessage(w);
     std::string stub = split::fileStub(job.photoPath);
     if (stubs[stub] > 1) stub += fmt::format("_{}", ri.place);
     const std::string png = split::joinFolder(folder, stub + "_preview.png");

@@ -297,5 +297,27 @@ TEST_F(SlabberCommand, ManifestLoadsInPythonsCsvModule) {
   EXPECT_EQ(py.out, "15 BH 7, west ../out/T1_WL_01000_00-01001_00.bmp 1014.00 1015.00 300\n");
 }
 
+TEST_F(SlabberCommand, LayoutWarningsComeBeforeCuttingInSplitAndPreview) {
+  CoreImage& first = *session.images()[0];
+  CoreRectangle& second = *session.rectangleAt(first, 2);
+  second.polygon.py[0] = second.polygon.py[1] = 35;  // reaches 5 pixels into row 1
+  CoreRectangle& fifth = *session.rectangleAt(first, 5);
+  fifth.polygon.px[1] = fifth.polygon.px[2] = 320;  // past the right edge of the 300-pixel photo
+  save();
+  const std::string overlap = "slabber: T1.png: rows 1 and 2 overlap by 300 x 5 pixels\n";
+  const std::string outside =
+      "slabber: T1.png: row 5 (0, 160) to (320, 200) reaches outside the 300 x 200 photograph; it is clipped\n";
+  CommandRun r = run("split " + sessionFile + " --out " + out + " --no-manifest");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.err.find(overlap), std::string::npos) << r.err;
+  EXPECT_NE(r.err.find(outside), std::string::npos) << r.err;
+  EXPECT_LT(r.err.find(overlap), r.err.find("Processing images..."));
+  EXPECT_NE(r.out.find("  warnings:      2\n"), std::string::npos) << r.out;
+
+  r = run("preview " + sessionFile + " --out " + dir.file("check"));
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err, overlap + outside);
+}
+
 }  // namespace
 }  // namespace subsurf::split::testing
