@@ -316,7 +316,7 @@ TEST_F(SlabberCommand, LayoutWarningsComeBeforeCuttingInSplitAndPreview) {
 
   r = run("preview " + sessionFile + " --out " + dir.file("check"));
   EXPECT_EQ(r.status, 0) << r.err;
-  EXPECT_EQ(r.err, overlap + outside);
+  EXPECT_EQ(r.err.rfind(overlap + outside, 0), 0u) << r.err;  // (leak checkers may add their own lines)
 }
 
 }  // namespace
