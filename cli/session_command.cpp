@@ -209,8 +209,13 @@ int runNew(const NewOptions& o) {
   std::printf("%s: %d image%s, %d row%s\n", path.c_str(), session.imageCount(), session.imageCount() == 1 ? "" : "s",
               rows, rows == 1 ? "" : "s");
   printCarried(session, carried);
+  // Photos left without depths make the exit status 1 only when depths were
+  // asked for; a session made for depths typed later is counted all the same.
   const bool depthsAsked = o.depthsFromNames || (o.top && o.base) || o.carry;
-  if (!depthsAsked) return kExitOk;
+  if (!depthsAsked) {
+    std::printf("%s\n", countDepths(session, carried).text().c_str());
+    return kExitOk;
+  }
   return reportDepths(session, carried);
 }
 

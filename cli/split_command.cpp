@@ -452,12 +452,13 @@ int runPreview(const PreviewArgs& args) {
 
   drawing::PreviewOptions previewOptions;
   previewOptions.longestSide = args.size;
-  int written = 0, failed = 0;
+  int written = 0, failed = 0, unreadable = 0;
   for (const auto& ri : images) {
     const split::PhotoJob job = split::makePhotoJob(*ri.image, ri.place, options);
     image::PixelSize size;
     if (!image::readPixelSize(job.photoPath, size)) {  // "Error loading: ..." shown
       ++failed;
+      ++unreadable;
       continue;
     }
     std::vector<drawing::PreviewOutline> outlines;
@@ -496,6 +497,7 @@ int runPreview(const PreviewArgs& args) {
     }
   }
   std::printf("Previews written: %d of %zu\n", written, images.size());
+  if (unreadable > 0) return kExitBadInput;
   return failed > 0 ? kExitPartial : kExitOk;
 }
 
