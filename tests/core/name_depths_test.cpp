@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 #include <string>
 
 #include "core/name_depths.h"
@@ -184,6 +185,30 @@ TEST(NameDepths, HoleIsWhatStandsBeforeTheBoxOrInterval) {
   EXPECT_EQ(holeFromName("/x/Hole7 Box3 12.5-14.7 UV.tif"), "Hole7");
   EXPECT_EQ(holeFromName("TRAY_1234_5-1236_0.jpg"), "");
   EXPECT_EQ(holeFromName("IMG_4481.JPG"), "IMG_4481");
+}
+
+TEST(NameDepths, AnyNameGivesAnIntervalWithTopAboveBaseOrSaysWhy) {
+  // Names built from the characters intervals are made of, in every mix: a
+  // reading is either a proper interval or a refusal that names its text.
+  const std::string alphabet = "0123456789.,_- ()mMBx[]";
+  std::mt19937 random(12);
+  for (int n = 0; n < 20000; ++n) {
+    std::string name;
+    const int length = static_cast<int>(random() % 24);
+    for (int k = 0; k < length; ++k) name += alphabet[random() % alphabet.size()];
+    name += random() % 2 ? ".jpg" : "JPG.JPG";
+    const NameDepths r = readNameDepths(name);
+    if (r.read()) {
+      EXPECT_TRUE(std::isfinite(r.top) && std::isfinite(r.base)) << name;
+      EXPECT_LT(r.top, r.base) << name;
+    } else if (r.result == NameDepthResult::Refused) {
+      EXPECT_FALSE(r.found.empty()) << name;
+      EXPECT_FALSE(r.reason.empty()) << name;
+      EXPECT_NE(name.find(r.found), std::string::npos) << name;
+    } else {
+      EXPECT_EQ(nameDepthsProblem(name, r), name + ": no depth interval in the name");
+    }
+  }
 }
 
 }  // namespace
