@@ -1,9 +1,11 @@
 #include "session_command.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -12,12 +14,16 @@
 
 #include "cli_support.h"
 #include "core/core_session.h"
+#include "core/depth_sources.h"
+#include "core/depth_table.h"
 #include "core/image_settings.h"
+#include "core/name_depths.h"
 #include "core/session_files.h"
 #include "core/split_naming.h"
 #include "host/fixed_text.h"
 #include "host/image/photo.h"
 #include "host/messages.h"
+#include "host/natural_order.h"
 #include "host/nulls.h"
 
 namespace fs = std::filesystem;
@@ -38,18 +44,23 @@ struct NewOptions {
   int cores = 0;
   bool uv = false;
   bool force = false;
+  bool carry = false;
+  bool keepOrder = false;
 };
 
 struct ShowOptions {
   std::string session;
   bool rows = false;
+  bool json = false;
 };
 
 struct DepthsOptions {
   std::string session;
   int from = 0;
-  float top = 0.0f, base = 0.0f;
+  std::optional<float> top, base;
   int cores = 0;
+  std::string table;
+  bool carry = false;
 };
 
 struct TemplateOptions {
@@ -78,16 +89,6 @@ std::string absolutePath(const std::string& path) {
   return ec ? path : p.lexically_normal().string();
 }
 
-// The rows a tray is split into when the user does not say: the rectangles
-// drawn, else the number the set-depths dialog offers.
-int coresFor(const CoreImage& image, int given) {
-  if (given >= 1) return given;
-  const int existing = image.intValue(kIntCoreNumber);
-  if (!isNull(existing) && existing >= 1) return existing;
-  const int rectangles = CoreSession::rectangleCount(image);
-  return rectangles >= 1 ? rectangles : kDefaultCoreCount;
-}
-
 // Gives the image at `place` a tray interval and lays its rows and the
 // trays that follow out from it (the set-depths dialog's "OK"). The core
 // length is cleared so that the starting tray itself is laid out too.
@@ -97,7 +98,7 @@ int carryFrom(CoreSession& session, int place, float top, float base, int cores)
   const std::string unit = depthUnitOf(image->realSetting(kRealTop));
   setDepth(image->realSetting(kRealTop), top, unit);
   setDepth(image->realSetting(kRealBase), base, unit);
-  setInteger(image->intSetting(kIntCoreNumber), coresFor(*image, cores));
+  setInteger(image->intSetting(kIntCoreNumber), coresForTray(*image, cores));
   image->realSetting(kRealCoreLength).V = kRealNull;
   session.selectImageByPlace(place);
   return session.carryDepthsForward(nullptr);
@@ -113,6 +114,31 @@ bool readSessionFile(const std::string& path, CoreSession& session, SessionOptio
   return static_cast<bool>(readSession(session, options, path));
 }
 
+std::string photoName(CoreSession& session, int place) { return fileNameOf(session.imageAt(place)->sourceFile()); }
+
+// "  carried: B.jpg 1236.00-1237.50 (from A.jpg)", one line per tray.
+void printCarried(CoreSession& session, const std::vector<CarriedTray>& carried) {
+  for (const CarriedTray& c : carried) {
+    const CoreImage& image = *session.imageAt(c.place);
+    std::printf("  carried: %s %s-%s (from %s)\n", photoName(session, c.place).c_str(),
+                depthText(image.realValue(kRealTop)).c_str(), depthText(image.realValue(kRealBase)).c_str(),
+                photoName(session, c.from).c_str());
+  }
+}
+
+// The closing count of a depth command; 1 (after naming them) when some
+// photographs are left without depths.
+int reportDepths(CoreSession& session, const std::vector<CarriedTray>& carried) {
+  const DepthCounts counts = countDepths(session, carried);
+  std::printf("%s\n", counts.text().c_str());
+  if (counts.without == 0) return kExitOk;
+  std::string names;
+  for (int place = 1; place <= session.imageCount(); ++place)
+    if (!hasTrayDepths(*session.imageAt(place))) names += (names.empty() ? "" : ", ") + photoName(session, place);
+  host::showMessage(fmt::format("without depths: {}", names));
+  return kExitPartial;
+}
+
 // ---------------------------------------------------------------------------
 // slabber new
 
@@ -125,8 +151,17 @@ int runNew(const NewOptions& o) {
   RectangleTemplate holder;
   if (!o.templateName.empty() && !readNamedTemplate(o.templateName, holder)) return kExitBadInput;
 
+  // Photographs are taken in the order people read their names (BOX(2)
+  // before BOX(12)), whatever order the shell listed them in.
+  std::vector<std::string> photos = o.photos;
+  if (!o.keepOrder) {
+    std::stable_sort(photos.begin(), photos.end(), [](const std::string& a, const std::string& b) {
+      return naturalLess(fileNameOf(a), fileNameOf(b));
+    });
+  }
+
   CoreSession session;
-  for (const std::string& photo : o.photos) {
+  for (const std::string& photo : photos) {
     image::PixelSize size;
     if (!image::readPixelSize(photo, size)) return kExitBadInput;  // "Error loading: ..." shown
     CoreImage* image = session.newImage();
@@ -148,23 +183,20 @@ int runNew(const NewOptions& o) {
       setInteger(image->intSetting(kIntCoreNumber), CoreSession::rectangleCount(*image));
   }
 
-  // Typed depths start the run at the first photograph; a depth interval in
-  // a file name then wins for that tray and starts a new run from it, so
-  // photographs whose names hold no interval follow the tray before them.
-  if (o.top && o.base && carryFrom(session, 1, *o.top, *o.base, o.cores) != 0) return kExitBadInput;
+  // Typed depths are the first tray's; an interval read from a name is that
+  // tray's own. No tray is given depths it was not given unless --carry asks.
+  if (o.top && o.base) setTrayDepths(*session.imageAt(1), *o.top, *o.base, o.cores);
   if (o.depthsFromNames) {
     for (int place = 1; place <= session.imageCount(); ++place) {
-      CoreImage* image = session.imageAt(place);
-      const std::string name = fileNameOf(image->sourceFile());
-      const ParsedDepths parsed = CoreSession::parseDepths(name);
-      if (parsed.status != 0) {
-        host::showMessage(fmt::format("{}: no depth interval in the file name", name));
-        continue;
-      }
-      if (!(parsed.top < parsed.base)) return fail(fmt::format("{}: {}", name, kTopNotAboveBase));
-      if (carryFrom(session, place, parsed.top, parsed.base, o.cores) != 0) return kExitBadInput;
+      CoreImage& image = *session.imageAt(place);
+      const std::string name = fileNameOf(image.sourceFile());
+      const NameDepths reading = readNameDepths(name);
+      if (reading.read()) setTrayDepths(image, reading.top, reading.base, o.cores);
+      else host::showMessage(nameDepthsProblem(name, reading));
     }
   }
+  std::vector<CarriedTray> carried;
+  if (o.carry) carried = carryIntoMissing(session);
 
   // The table of clipping depths is half of what a split is for, so a new
   // session asks for it (written beside the row images unless named).
@@ -172,28 +204,72 @@ int runNew(const NewOptions& o) {
   options.doReport = 1;
   if (!saveSession(session, options, path)) return kExitBadInput;
 
-  int withoutDepths = 0, rows = 0;
-  for (CoreImage* image : session.images()) {
-    if (isNull(image->realValue(kRealTop))) ++withoutDepths;
-    rows += CoreSession::rectangleCount(*image);
-  }
+  int rows = 0;
+  for (CoreImage* image : session.images()) rows += CoreSession::rectangleCount(*image);
   std::printf("%s: %d image%s, %d row%s\n", path.c_str(), session.imageCount(), session.imageCount() == 1 ? "" : "s",
               rows, rows == 1 ? "" : "s");
-  const bool depthsAsked = o.depthsFromNames || (o.top && o.base);
-  if (depthsAsked && withoutDepths > 0) {
-    host::showMessage(fmt::format("{} image{} without depths", withoutDepths, withoutDepths == 1 ? "" : "s"));
-    return kExitPartial;
+  printCarried(session, carried);
+  // Photos left without depths make the exit status 1 only when depths were
+  // asked for; a session made for depths typed later is counted all the same.
+  const bool depthsAsked = o.depthsFromNames || (o.top && o.base) || o.carry;
+  if (!depthsAsked) {
+    std::printf("%s\n", countDepths(session, carried).text().c_str());
+    return kExitOk;
   }
-  return kExitOk;
+  return reportDepths(session, carried);
 }
 
 // ---------------------------------------------------------------------------
 // slabber show
 
+// A depth as JSON: the shortest decimal that reads back as the same float.
+nlohmann::ordered_json depthJson(float v) {
+  if (isNull(v)) return nullptr;
+  return std::strtod(fmt::format("{}", v).c_str(), nullptr);
+}
+
+const char* originName(DepthOrigin origin) {
+  switch (origin) {
+    case DepthOrigin::FromName: return "name";
+    case DepthOrigin::TypedOrImported: return "typed or imported";
+    case DepthOrigin::Carried: return "carried";
+    case DepthOrigin::None: break;
+  }
+  return "none";
+}
+
+// The session as JSON, for scripts: every image with its depths and rows.
+int showJson(CoreSession& session, const ShowOptions& o) {
+  nlohmann::ordered_json images = nlohmann::ordered_json::array();
+  int place = 0;
+  for (CoreImage* image : session.images()) {
+    nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+    int row = 0;
+    for (const RowDepths& d : session.rowDepths(*image))
+      rows.push_back({{"row", ++row}, {"top", depthJson(d.top)}, {"base", depthJson(d.base)}});
+    const int cores = image->intValue(kIntCoreNumber);
+    images.push_back({{"place", ++place},
+                      {"file", fileNameOf(image->sourceFile())},
+                      {"path", image->sourceFile()},
+                      {"light", std::string(split::lightTag(image->intValue(kIntUV)))},
+                      {"unit", depthUnitOf(image->realSetting(kRealTop))},
+                      {"top", depthJson(image->realValue(kRealTop))},
+                      {"base", depthJson(image->realValue(kRealBase))},
+                      {"core_length", depthJson(image->realValue(kRealCoreLength))},
+                      {"cores", isNull(cores) ? nlohmann::ordered_json() : nlohmann::ordered_json(cores)},
+                      {"depths_from", originName(depthOriginOf(*image))},
+                      {"rows", rows}});
+  }
+  const nlohmann::ordered_json out = {{"session", o.session}, {"images", images}};
+  std::printf("%s\n", out.dump(2).c_str());
+  return kExitOk;
+}
+
 int runShow(const ShowOptions& o) {
   CoreSession session;
   SessionOptions options;
   if (!readSessionFile(o.session, session, options)) return kExitBadInput;
+  if (o.json) return showJson(session, o);
   const std::vector<CoreImage*> list = session.images();
   const std::string unit = list.empty() ? std::string() : depthUnitOf(list.front()->realSetting(kRealTop));
   std::printf("%s: %zu image%s\n", o.session.c_str(), list.size(), list.size() == 1 ? "" : "s");
@@ -229,19 +305,58 @@ int runShow(const ShowOptions& o) {
 // ---------------------------------------------------------------------------
 // slabber depths
 
+// --table: every listed photograph gets the table's interval.
+int importTable(CoreSession& session, const SessionOptions& options, const DepthsOptions& o) {
+  std::vector<DepthTableRow> rows;
+  if (Status read = readDepthTable(o.table, rows); !read) return fail(read.message());
+  DepthTableOutcome outcome;
+  if (Status applied = applyDepthTable(session, rows, o.table, outcome); !applied) return fail(applied.message());
+  if (!saveSession(session, options, o.session)) return kExitBadInput;
+  std::printf("%s: depths of %zu photo%s imported from %s\n", o.session.c_str(), outcome.placesSet.size(),
+              outcome.placesSet.size() == 1 ? "" : "s", o.table.c_str());
+  for (const std::string& m : outcome.unmatched) host::showMessage(m);
+  if (!outcome.missed.empty()) {
+    std::string names;
+    for (int place : outcome.missed) names += (names.empty() ? "" : ", ") + photoName(session, place);
+    host::showMessage(fmt::format("{} does not list: {}", o.table, names));
+  }
+  const int depths = reportDepths(session, {});
+  return outcome.unmatched.empty() ? depths : kExitPartial;
+}
+
 int runDepths(const DepthsOptions& o) {
+  const int modes = (o.from != 0 || o.top || o.base ? 1 : 0) + (o.table.empty() ? 0 : 1) + (o.carry ? 1 : 0);
+  if (modes != 1) return fail("give one of: --from K --top T --base B, --carry, --table FILE.csv");
   CoreSession session;
   SessionOptions options;
   if (!readSessionFile(o.session, session, options)) return kExitBadInput;
+  if (!o.table.empty()) return importTable(session, options, o);
+
+  std::vector<CarriedTray> carried;
+  if (o.carry) {
+    carried = carryIntoMissing(session);
+    if (!saveSession(session, options, o.session)) return kExitBadInput;
+    std::printf("%s: depths carried into %zu photo%s without depths\n", o.session.c_str(), carried.size(),
+                carried.size() == 1 ? "" : "s");
+    printCarried(session, carried);
+    return reportDepths(session, carried);
+  }
+
+  if (!o.top || !o.base) return fail("--from needs --top and --base");
   const int count = session.imageCount();
   if (o.from < 1 || o.from > count)
     return fail(fmt::format("Image {} is not in {} (it holds {} image{})", o.from, o.session, count,
                             count == 1 ? "" : "s"));
-  if (!(o.top < o.base)) return fail(kTopNotAboveBase);
-  if (carryFrom(session, o.from, o.top, o.base, o.cores) != 0) return kExitBadInput;
+  if (!(*o.top < *o.base)) return fail(kTopNotAboveBase);
+  if (carryFrom(session, o.from, *o.top, *o.base, o.cores) != 0) return kExitBadInput;
   if (!saveSession(session, options, o.session)) return kExitBadInput;
   std::printf("%s: depths carried forward from image %d\n", o.session.c_str(), o.from);
-  return kExitOk;
+  // Every tray of the starting one's light after it was given carried depths.
+  const int light = session.imageAt(o.from)->intValue(kIntUV);
+  for (int place = o.from + 1; place <= count; ++place)
+    if (session.imageAt(place)->intValue(kIntUV) == light) carried.push_back({place, o.from});
+  printCarried(session, carried);
+  return reportDepths(session, carried);
 }
 
 // ---------------------------------------------------------------------------
@@ -306,14 +421,22 @@ void addSessionCommands(CLI::App& app, int& exitCode) {
   CLI::App* make = app.add_subcommand("new", "Make a session file from tray photographs");
   make->add_option("session", newOptions->session, "Session file to write (.slbs added when no extension)")
       ->required();
-  make->add_option("photos", newOptions->photos, "Photographs of the trays, in order")->required();
+  make->add_option("photos", newOptions->photos, "Photographs of the trays")->required();
   auto* templ = make->add_option("--template", newOptions->templateName, "Lay this saved rectangle template on each photo");
   auto* rows = make->add_option("--rows", newOptions->rows, "Lay N equal horizontal bands across each photo")
                    ->check(CLI::Range(1, kMostBands));
   templ->excludes(rows);
   make->add_flag("--depths-from-names", newOptions->depthsFromNames,
-                 "Read each tray's depth interval from its file name (TRAY_1234_5-1236_0.jpg)");
-  auto* top = make->add_option("--top", newOptions->top, "Top depth of the first tray");
+                 "Read each tray's depth interval from its file name (TRAY_1234_5-1236_0.jpg,\n"
+                 "K-DD-51_BOX(04) 9.0-12.00.JPG; see docs/depths-from-names.md). Names that cannot\n"
+                 "be read are listed and left without depths (exit status 1)");
+  make->add_flag("--carry", newOptions->carry,
+                 "Give photographs without depths those of the tray before, carried forward\n"
+                 "(each one is listed)");
+  make->add_flag("--keep-order", newOptions->keepOrder,
+                 "Keep the photographs in the order given; by default they are ordered\n"
+                 "naturally by name (BOX(2) before BOX(12))");
+  auto* top = make->add_option("--top", newOptions->top, "Top depth of the first tray (--carry lays out the rest)");
   auto* base = make->add_option("--base", newOptions->base, "Base depth of the first tray");
   top->needs(base);
   base->needs(top);
@@ -327,16 +450,27 @@ void addSessionCommands(CLI::App& app, int& exitCode) {
   CLI::App* show = app.add_subcommand("show", "Show a session's images and depths");
   show->add_option("session", showOptions->session, "Session file")->required();
   show->add_flag("--rows", showOptions->rows, "Also show every row's depths");
+  show->add_flag("--json", showOptions->json, "Write the session's images, depths and rows as JSON");
   show->callback([showOptions, &exitCode] { exitCode = runShow(*showOptions); });
 
   // --- depths
   auto depthsOptions = std::make_shared<DepthsOptions>();
-  CLI::App* depths = app.add_subcommand("depths", "Carry tray depths forward from one image and save");
+  CLI::App* depths = app.add_subcommand(
+      "depths", "Give trays depths and save: carried forward from one image, carried into the photos\n"
+                "without depths, or imported from a table");
   depths->add_option("session", depthsOptions->session, "Session file")->required();
-  depths->add_option("--from", depthsOptions->from, "Place of the starting image (from 1)")->required();
-  depths->add_option("--top", depthsOptions->top, "Top depth of the starting tray")->required();
-  depths->add_option("--base", depthsOptions->base, "Base depth of the starting tray")->required();
+  auto* from = depths->add_option("--from", depthsOptions->from, "Place of the starting image (from 1)");
+  auto* dtop = depths->add_option("--top", depthsOptions->top, "Top depth of the starting tray");
+  auto* dbase = depths->add_option("--base", depthsOptions->base, "Base depth of the starting tray");
+  from->needs(dtop)->needs(dbase);
+  dtop->needs(from);
+  dbase->needs(from);
   depths->add_option("--cores", depthsOptions->cores, "Core rows per tray")->check(CLI::Range(1, kMostBands));
+  depths->add_flag("--carry", depthsOptions->carry,
+                   "Carry depths into the photos without any, from the tray before each");
+  depths->add_option("--table", depthsOptions->table,
+                     "Import depths from a CSV table: photo file name or place, top, base,\n"
+                     "and optionally cores and core length");
   depths->callback([depthsOptions, &exitCode] { exitCode = runDepths(*depthsOptions); });
 
   // --- templates

@@ -20,7 +20,12 @@
 
 #include "cli_support.h"
 #include "core/core_session.h"
+#include "core/depth_sources.h"
+#include "core/image_settings.h"
+#include "core/layout_checks.h"
+#include "core/output_plan.h"
 #include "core/session_files.h"
+#include "core/split_manifest.h"
 #include "core/split_naming.h"
 #include "core/split_process.h"
 #include "host/drawing/preview.h"
@@ -214,6 +219,8 @@ int defaultJobs() {
   return n == 0 ? 1 : static_cast<int>(n);
 }
 
+std::string fileNameOf(const std::string& path) { return path.substr(split::fileNameStart(path)); }
+
 std::string_view rowProblem(const split::RowOutcome& r) {
   if (!r.problem.empty()) return r.problem;
   return "not written";
@@ -230,6 +237,10 @@ struct SplitArgs {
   bool yes = false;
   bool no = false;
   int jobs = 0;
+  bool unique = false;
+  std::string manifest;
+  bool noManifest = false;
+  std::string hole;
 };
 
 // A decoded tray photograph is one block of tens of megabytes (72 MB for a
@@ -294,10 +305,30 @@ int runSplit(const SplitArgs& args) {
   Console console(terminal);
   ConsoleHost consoleHost(console, interactive);
 
+  std::vector<bool> hadDepths;
+  for (CoreImage* image : session.images()) hadDepths.push_back(hasTrayDepths(*image));
   std::vector<split::PhotoJob> jobs;
   if (!split::prepareRun(session, options, jobs)) {
     console.finish();
     return kExitBadInput;  // "No images found" has been shown
+  }
+  const std::vector<CarriedTray> carried = traysGivenDepths(session, hadDepths);
+  // Every row's file is known before the first is written: two rows under
+  // one name would leave only one of them.
+  const split::OutputPlan plan = split::planOutputs(jobs, options, args.unique);
+  for (const std::string& m : plan.collisions) host::showMessage(m);
+  if (!plan.ok()) {
+    host::showMessage("Nothing written: give --unique to add a distinguishing part to such names");
+    console.finish();
+    return kExitBadInput;
+  }
+  for (const std::string& m : plan.renamed) host::showMessage(m);
+  for (const split::PhotoJob& job : jobs) {
+    // Without reading the photographs: the frame the rectangles were drawn on.
+    const bool frameKnown = job.displayReduction == 1.0f;
+    for (const std::string& w : split::layoutWarnings(fileNameOf(job.sourceFile), split::rowBoxes(job, 0, 0),
+                                                      frameKnown ? job.shownWidth : 0, frameKnown ? job.shownHeight : 0))
+      host::showMessage(w);
   }
   int rowCount = 0;
   for (const auto& job : jobs) rowCount += static_cast<int>(job.rows.size());
@@ -339,6 +370,23 @@ int runSplit(const SplitArgs& args) {
     reportWritten = static_cast<bool>(split::writeReportFile(options.reportFile, split::reportLines(outcomes)));
     reportFailed = !reportWritten;
   }
+  split::ManifestOptions manifest;
+  if (!args.noManifest) {
+    manifest.path = !args.manifest.empty() ? args.manifest
+                    : options.naming.outputBesidePhoto
+                        ? split::joinFolder(sessionFolder(args.session), "manifest.csv")
+                        : split::joinFolder(options.naming.outputFolder, "manifest.csv");
+    manifest.hole = args.hole;
+    manifest.unitOf = [&](int place) {
+      if (!trimBlanks(options.reportUnit).empty()) return trimBlanks(options.reportUnit);
+      const CoreImage* image = session.imageAt(place);
+      return image ? depthUnitOf(image->realSetting(kRealTop)) : std::string();
+    };
+    if (!split::writeManifest(manifest, split::manifestLines(jobs, outcomes, options, manifest))) {
+      reportFailed = true;
+      manifest.path.clear();
+    }
+  }
   console.finish();
 
   const split::RunTotals totals = split::totalsOf(outcomes);
@@ -346,10 +394,16 @@ int runSplit(const SplitArgs& args) {
   std::printf("  photos:        %d", totals.photos);
   if (totals.photosFailed > 0) std::printf(" (%d could not be read)", totals.photosFailed);
   std::printf("\n  rows:          %d written of %d\n", totals.rowsWritten, totals.rows);
-  std::printf("  files written: %d", totals.rowsWritten + (reportWritten ? 1 : 0));
+  std::printf("  files written: %d", totals.rowsWritten + (reportWritten ? 1 : 0) + (manifest.path.empty() ? 0 : 1));
   if (reportWritten) std::printf(" (the table of clipping depths: %s)", options.reportFile.c_str());
   if (!options.writeReport) std::printf("\n  (no table of clipping depths: the session does not ask for one; give --report FILE)");
+  if (!manifest.path.empty()) std::printf("\n  manifest:      %s", manifest.path.c_str());
   std::printf("\n  warnings:      %d\n", console.messages());
+  for (const CarriedTray& c : carried) {
+    const std::string photo = session.imageAt(c.place)->sourceFile();
+    std::printf("  carried:       %s\n", photo.substr(split::fileNameStart(photo)).c_str());
+  }
+  std::printf("  %s\n", countDepths(session, carried).text().c_str());
   if (totals.rowsFailed > 0) {
     std::printf("Rows not written:\n");
     for (const auto& o : outcomes)
@@ -358,6 +412,8 @@ int runSplit(const SplitArgs& args) {
           std::printf("  %s Core %d: %s\n", o.sourceFile.c_str(), r.number, std::string(rowProblem(r)).c_str());
   }
   std::fflush(stdout);
+  // A photograph that cannot be read is unreadable input, as for any command.
+  if (totals.photosFailed > 0) return kExitBadInput;
   return totals.rowsFailed > 0 || reportFailed ? kExitPartial : kExitOk;
 }
 
@@ -396,12 +452,13 @@ int runPreview(const PreviewArgs& args) {
 
   drawing::PreviewOptions previewOptions;
   previewOptions.longestSide = args.size;
-  int written = 0, failed = 0;
+  int written = 0, failed = 0, unreadable = 0;
   for (const auto& ri : images) {
     const split::PhotoJob job = split::makePhotoJob(*ri.image, ri.place, options);
     image::PixelSize size;
     if (!image::readPixelSize(job.photoPath, size)) {  // "Error loading: ..." shown
       ++failed;
+      ++unreadable;
       continue;
     }
     std::vector<drawing::PreviewOutline> outlines;
@@ -420,12 +477,15 @@ int runPreview(const PreviewArgs& args) {
       drawing::PreviewOutline outline;
       outline.index = row.number;
       outline.label = label;
-      outline.points = {{double(box.left), double(box.top)},
-                        {double(box.right), double(box.top)},
-                        {double(box.right), double(box.bottom)},
-                        {double(box.left), double(box.bottom)}};
+      // Where the row really comes from: a turned photograph is cut after turning.
+      for (const split::PixelPoint& p : split::cutOutline(box, job.angleDegrees, size.width, size.height))
+        outline.points.push_back({double(p.x), double(p.y)});
       outlines.push_back(std::move(outline));
     }
+    for (const std::string& w : split::layoutWarnings(fileNameOf(job.sourceFile),
+                                                      split::rowBoxes(job, size.width, size.height), size.width,
+                                                      size.height))
+      host::showMessage(w);
     std::string stub = split::fileStub(job.photoPath);
     if (stubs[stub] > 1) stub += fmt::format("_{}", ri.place);
     const std::string png = split::joinFolder(folder, stub + "_preview.png");
@@ -437,6 +497,7 @@ int runPreview(const PreviewArgs& args) {
     }
   }
   std::printf("Previews written: %d of %zu\n", written, images.size());
+  if (unreadable > 0) return kExitBadInput;
   return failed > 0 ? kExitPartial : kExitOk;
 }
 
@@ -452,11 +513,21 @@ void addSplitCommands(CLI::App& app, int& exitCode) {
   split->add_option("-f,--format", splitArgs->format, "Row image format: bmp, cgm, png, jpg or tif "
                                                      "(default: the session's, bmp or cgm)");
   split->add_option("-r,--report", splitArgs->report, "Write the table of clipping depths to this file");
-  auto* yes = split->add_flag("-y,--yes", splitArgs->yes, "Answer yes to questions (derive missing depths "
-                                                          "and rectangles from the first image)");
+  auto* yes = split->add_flag("-y,--yes", splitArgs->yes, "Answer yes to questions: derive what is missing,\n"
+                                                          "rectangles from the first image and depths, for photos\n"
+                                                          "without any, carried from the tray before");
   split->add_flag("-n,--no", splitArgs->no, "Answer no to questions")->excludes(yes);
   split->add_option("-j,--jobs", splitArgs->jobs, "Photographs cut at once (default: the number of cores)")
       ->check(CLI::Range(1, 1024));
+  split->add_flag("--unique", splitArgs->unique,
+                  "When rows would be written to the same file (photos whose names agree up to\n"
+                  "their first \".\"), add a distinguishing part to their names instead of stopping");
+  auto* manifest = split->add_option("--manifest", splitArgs->manifest,
+                                     "Write the manifest (hole, photo, row, top, base, unit, light, file,\n"
+                                     "width, height) here (default: manifest.csv beside the rows)");
+  split->add_flag("--no-manifest", splitArgs->noManifest, "Write no manifest")->excludes(manifest);
+  split->add_option("--hole", splitArgs->hole,
+                    "Hole name for the manifest (default: read from each photo's name)");
   split->callback([splitArgs, &exitCode] { exitCode = runSplit(*splitArgs); });
 
   auto previewArgs = std::make_shared<PreviewArgs>();

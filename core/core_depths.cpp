@@ -10,6 +10,7 @@
 #include <string>
 
 #include "core/core_session.h"
+#include "core/tray_layout.h"
 #include "core/image_settings.h"
 #include "host/dataset.h"
 #include "host/messages.h"
@@ -266,6 +267,42 @@ int CoreSession::deriveTrayLengths(CoreImage& image) {
 // are numbered separately. A depth written in a photo's file name still wins
 // in the image table, since the photographer read it off the tray.
 
+TrayLayout trayLayoutFor(float top, float base, int cores) {
+  TrayLayout layout;
+  layout.span = base - top;
+  layout.coreLength = layout.span / static_cast<float>(cores);
+  int rows = truncatedRows((layout.span - kRowCountTolerance) / layout.coreLength);
+  if (rows > kTrayRows) rows = kTrayRows + 1;
+  if (rows < 2) rows = 1;
+  if (rows > kTrayRows) rows = cores;
+  layout.rows = rows;
+  return layout;
+}
+
+void layOutTray(CoreImage& image, const TrayLayout& layout, float top, float base, float shift,
+                const std::string& unit) {
+  setDepth(image.realSetting(kRealTop), top, unit);
+  setDepth(image.realSetting(kRealBase), base, unit);
+  setDepth(image.realSetting(kRealCoreLength), layout.coreLength, unit);
+  setDepth(image.realSetting(kRealTrayLength), layout.span, unit);
+  setDepth(image.realSetting(kRealDepthShift), shift, unit);
+  setInteger(image.intSetting(kIntCoreNumber), layout.rows);
+  DT_RSCACOPY(&image.realSetting(kRealCoreLength), &image.coreLengthCopy);
+  DT_RSCACOPY(&image.realSetting(kRealTrayLength), &image.trayLengthCopy);
+  // Rows 11 and up land in the settings after row 10 (over the depth shift),
+  // where sessions have always kept them; rows with no setting left are not
+  // stored.
+  for (int i = 0; i < layout.rows; ++i) {
+    const float rowTop = top + static_cast<float>(i) * layout.coreLength;
+    float rowBase = rowTop + layout.coreLength;
+    if (rowBase > base) rowBase = base;
+    const int row = i + 1;
+    if (row > kMaxStoredRows) break;
+    setDepth(image.realSetting(rowTopSetting(row)), rowTop, unit);
+    setDepth(image.realSetting(rowBaseSetting(row)), rowBase, unit);
+  }
+}
+
 int CoreSession::carryDepthsForward(Dataset* table) {
   CoreImage* start = currentImage_;
   if (!start || start->id < 1) {
@@ -308,12 +345,9 @@ int CoreSession::carryDepthsForward(Dataset* table) {
     restoreSelection();
     return 1;
   }
-  const float span = base0 - top0;
-  coreLength = span / static_cast<float>(cores);
-  int rows = truncatedRows((span - kRowCountTolerance) / coreLength);
-  if (rows > kTrayRows) rows = kTrayRows + 1;
-  if (rows < 2) rows = 1;
-  if (rows > kTrayRows) rows = cores;
+  const TrayLayout layout = trayLayoutFor(top0, base0, cores);
+  const float span = layout.span;
+  coreLength = layout.coreLength;
 
   int advance = 0;
   for (int q = first; q <= count; ++q) {
@@ -324,14 +358,7 @@ int CoreSession::carryDepthsForward(Dataset* table) {
     const float top = top0 + static_cast<float>(advance) * span;
     const float base = base0 + static_cast<float>(advance) * span;
 
-    setDepth(image->realSetting(kRealTop), top, unit);
-    setDepth(image->realSetting(kRealBase), base, unit);
-    setDepth(image->realSetting(kRealCoreLength), coreLength, unit);
-    setDepth(image->realSetting(kRealTrayLength), span, unit);
-    setDepth(image->realSetting(kRealDepthShift), shift, unit);
-    setInteger(image->intSetting(kIntCoreNumber), rows);
-    DT_RSCACOPY(&image->realSetting(kRealCoreLength), &image->coreLengthCopy);
-    DT_RSCACOPY(&image->realSetting(kRealTrayLength), &image->trayLengthCopy);
+    layOutTray(*image, layout, top, base, shift, unit);
 
     if (DatasetPart* part = dataPart(table)) {
       part->setReal(q, kColTop, top);
@@ -340,19 +367,6 @@ int CoreSession::carryDepthsForward(Dataset* table) {
       part->setReal(q, kColDepthShift, shift);
     }
     parseDepthsInto(image->sourceFile(), table, q);
-
-    // Rows 11 and up land in the settings after row 10 (over the depth
-    // shift), where sessions have always kept them; rows with no setting left
-    // are not stored.
-    for (int i = 0; i < rows; ++i) {
-      const float rowTop = top + static_cast<float>(i) * coreLength;
-      float rowBase = rowTop + coreLength;
-      if (rowBase > base) rowBase = base;
-      const int row = i + 1;
-      if (row > kMaxStoredRows) break;
-      setDepth(image->realSetting(rowTopSetting(row)), rowTop, unit);
-      setDepth(image->realSetting(rowBaseSetting(row)), rowBase, unit);
-    }
     writeImageToTable(*image, table, q);
   }
 

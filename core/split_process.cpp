@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 
 #include "core/core_session.h"
+#include "core/depth_sources.h"
+#include "core/output_plan.h"
 #include "host/atomic_file.h"
 #include "host/fixed_text.h"
 #include "host/image/image_messages.h"
@@ -27,12 +29,6 @@ bool hasValue(float v) { return !isNoValue(v); }
 float depthIn(const DT_RSCA& rec, const std::string& unit) {
   if (!hasValue(rec.V) || unit.empty()) return rec.V;
   return valueIn(rec, unit);
-}
-
-std::string rowName(const PhotoJob& job, const RowJob& row, const SplitOptions& options) {
-  NamingOptions naming = options.naming;
-  naming.format = job.format;
-  return rowImageName(job.photoPath, job.uvSetting, row.top, row.base, naming);
 }
 
 bool rowHasDepths(const CoreImage& image, int row) {
@@ -110,7 +106,7 @@ RowPlan planRow(const PhotoJob& job, const RowJob& row, const SplitOptions& opti
   plan.drawn = boundingBox(row.vertices);
   plan.orientation = decideOrientation(job.horizontalSetting, job.reverseSetting, plan.drawn);
   if (!hasValue(row.top) || !hasValue(row.base)) return plan;
-  plan.outputName = rowName(job, row, options);
+  plan.outputName = plannedRowName(job, row, options);
   plan.fraction = coreFraction(row.top, row.base, job.coreLength, options.shortenRows);
   if (plan.fraction <= 0.0f || plan.drawn.empty()) return plan;
   const SizeFactors factors = sizeFactors(photoWidth, photoHeight, job.shownWidth, job.shownHeight, job.displayReduction);
@@ -294,6 +290,13 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
   return out;
 }
 
+std::string plannedRowName(const PhotoJob& job, const RowJob& row, const SplitOptions& options) {
+  if (!row.outputName.empty()) return row.outputName;
+  NamingOptions naming = options.naming;
+  naming.format = job.format;
+  return rowImageName(job.photoPath, job.uvSetting, row.top, row.base, naming);
+}
+
 std::vector<RunImage> imagesToProcess(CoreSession& session) {
   std::vector<RunImage> list;
   int place = 0;
@@ -348,30 +351,15 @@ Status prepareRun(CoreSession& session, const SplitOptions& options, std::vector
           if (ri.image != &first && CoreSession::rectangleCount(*ri.image) == 0)
             deriveRectangles(session, first, *ri.image);
       }
-      // The first image's depths are carried over the trays that follow it,
-      // as the set-depths dialog does from a starting image.
-      session.saveSelection();
-      session.setCurrent(&first);
-      session.carryDepthsForward(nullptr);
-      session.restoreSelection();
+      // Only what is missing is derived: trays with depths keep them (read,
+      // typed or imported), those without are carried on from the tray before.
+      layOutRowsFromTrayDepths(session);
+      carryIntoMissing(session);
     }
   }
 
   for (const RunImage& ri : list) jobs.push_back(makePhotoJob(*ri.image, ri.place, options));
 
-  // Two rows of the run under one name would leave only the last one written.
-  std::map<std::string, std::pair<int, int>> seen;  // name -> (place, row)
-  for (const PhotoJob& job : jobs) {
-    for (const RowJob& row : job.rows) {
-      if (!hasValue(row.top) || !hasValue(row.base)) continue;
-      const std::string name = rowName(job, row, options);
-      auto [it, fresh] = seen.emplace(name, std::make_pair(job.place, row.number));
-      if (!fresh) {
-        host::showMessage(fmt::format("{} is the name of image {} Core {} and of image {} Core {}; only one is kept",
-                                      name, it->second.first, it->second.second, job.place, row.number));
-      }
-    }
-  }
   return Status::ok();
 }
 
@@ -446,6 +434,8 @@ int processSession(CoreSession& session, const SplitOptions& options, std::vecto
   if (options.progress) options.progress(0, 0, kProcessingImages);
   std::vector<PhotoJob> jobs;
   if (!prepareRun(session, options, jobs)) return 1;
+  // Rows that would share a file are named, so the user knows which were lost.
+  for (const std::string& m : planOutputs(jobs, options, false).collisions) host::showMessage(m);
   std::vector<PhotoOutcome> results;
   results.reserve(jobs.size());
   for (const PhotoJob& job : jobs) results.push_back(splitPhoto(job, options));

@@ -74,6 +74,7 @@ struct RowJob {
   std::vector<PixelPoint> vertices;
   float top = 0.0f;
   float base = 0.0f;
+  std::string outputName;  // set by the run's output plan; empty: from the naming options
 };
 
 // A copy of what a photograph's split needs.
@@ -135,6 +136,10 @@ RowFormat formatForImage(const CoreImage& image, const SplitOptions& options);
 
 // The job of one image at `place`: every rectangle with its depths.
 PhotoJob makePhotoJob(const CoreImage& image, int place, const SplitOptions& options);
+
+// The name a row is written under: its planned name, else the one the
+// naming options give.
+std::string plannedRowName(const PhotoJob& job, const RowJob& row, const SplitOptions& options);
 
 // Where one row is cut from a photograph of photoWidth x photoHeight pixels:
 // the box in the photograph's pixels (shortened to the core present and

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include "host/image/image_writer.h"
 #include "host/image/raster.h"
@@ -91,7 +92,9 @@ TEST_F(SlabberCliTest, NewSessionShowsTheDepthsParsedFromTheFileNames) {
   threeTrays();
   const Outcome made = slabber(newArgs({"--rows", "5", "--depths-from-names"}));
   ASSERT_EQ(made.status, 0) << made.err;
-  EXPECT_EQ(made.out, "s.slbs: 3 images, 15 rows\n");
+  EXPECT_EQ(made.out,
+            "s.slbs: 3 images, 15 rows\n"
+            "depths: 3 read from names, 0 typed or imported, 0 carried, 0 without depths\n");
 
   const Outcome shown = slabber({"show", "s.slbs"});
   ASSERT_EQ(shown.status, 0) << shown.err;
@@ -133,15 +136,39 @@ TEST_F(SlabberCliTest, NewSessionSurvivesARoundTripFieldForField) {
   EXPECT_EQ(TempDir::read(dir.file("s.slbs")), TempDir::read(dir.file("again.slbs")));
 }
 
-TEST_F(SlabberCliTest, NamesWithoutAnIntervalFollowTheTrayBefore) {
+TEST_F(SlabberCliTest, NamesWithoutAnIntervalGetNoDepthsUnlessCarried) {
   photo("TRAY_1234_5-1236_0.jpg");
   photo("tray_two.jpg");
-  const Outcome made = slabber({"new", "s", "TRAY_1234_5-1236_0.jpg", "tray_two.jpg", "--rows", "3",
-                            "--depths-from-names"});
+  photo("x_118.7-]21.5.jpg");
+  const std::vector<std::string> args = {"new", "s", "TRAY_1234_5-1236_0.jpg", "tray_two.jpg", "x_118.7-]21.5.jpg",
+                                         "--rows", "3", "--depths-from-names"};
+  Outcome made = slabber(args);
+  EXPECT_EQ(made.status, 1) << made.err;
+  EXPECT_EQ(made.err,
+            "slabber: tray_two.jpg: no depth interval in the name\n"
+            "slabber: x_118.7-]21.5.jpg: found \"118.7-]21.5\" but \"]\" stands between the hyphen and the base; left "
+            "without depths\n"
+            "slabber: without depths: tray_two.jpg, x_118.7-]21.5.jpg\n");
+  EXPECT_EQ(made.out,
+            "s.slbs: 3 images, 9 rows\n"
+            "depths: 1 read from names, 0 typed or imported, 0 carried, 2 without depths\n");
+  ASSERT_TRUE(fs::exists(dir.file("s.slbs")));  // ".slbs" added; written all the same
+  Outcome shown = slabber({"show", "s.slbs"});
+  EXPECT_EQ(words(imageLine(shown.out, 2)),
+            (std::vector<std::string>{"2", "tray_two.jpg", "WL", "-", "-", "-", "3", "3"}));
+
+  // Asked for, the trays after it continue from it, and each is named.
+  std::vector<std::string> carried = args;
+  carried.push_back("--carry");
+  carried.push_back("--force");
+  made = slabber(carried);
   EXPECT_EQ(made.status, 0) << made.err;
-  EXPECT_EQ(made.err, "slabber: tray_two.jpg: no depth interval in the file name\n");
-  ASSERT_TRUE(fs::exists(dir.file("s.slbs")));  // ".slbs" added
-  const Outcome shown = slabber({"show", "s.slbs"});
+  EXPECT_EQ(made.out,
+            "s.slbs: 3 images, 9 rows\n"
+            "  carried: tray_two.jpg 1236.00-1237.50 (from TRAY_1234_5-1236_0.jpg)\n"
+            "  carried: x_118.7-]21.5.jpg 1237.50-1239.00 (from TRAY_1234_5-1236_0.jpg)\n"
+            "depths: 1 read from names, 0 typed or imported, 2 carried, 0 without depths\n");
+  shown = slabber({"show", "s.slbs"});
   EXPECT_EQ(words(imageLine(shown.out, 2)),
             (std::vector<std::string>{"2", "tray_two.jpg", "WL", "1236.00", "1237.50", "0.50", "3", "3"}));
 }
@@ -151,7 +178,7 @@ TEST_F(SlabberCliTest, PhotographsLeftWithoutDepthsGiveExitStatusOne) {
   photo("TRAY_1234_5-1236_0.jpg");
   const Outcome made = slabber({"new", "s.slbs", "first.jpg", "TRAY_1234_5-1236_0.jpg", "--depths-from-names"});
   EXPECT_EQ(made.status, 1);
-  EXPECT_NE(made.err.find("slabber: 1 image without depths"), std::string::npos) << made.err;
+  EXPECT_NE(made.err.find("slabber: without depths: first.jpg\n"), std::string::npos) << made.err;
   const Outcome shown = slabber({"show", "s.slbs"});
   EXPECT_EQ(words(imageLine(shown.out, 1)),
             (std::vector<std::string>{"1", "first.jpg", "WL", "-", "-", "-", "-", "0"}));
@@ -161,8 +188,14 @@ TEST_F(SlabberCliTest, PhotographsLeftWithoutDepthsGiveExitStatusOne) {
 
 TEST_F(SlabberCliTest, TypedDepthsAreCarriedOverTheTrays) {
   threeTrays();
-  const Outcome made = slabber(newArgs({"--rows", "4", "--top", "100", "--base", "102", "--cores", "4"}));
+  Outcome made = slabber(newArgs({"--rows", "4", "--top", "100", "--base", "102", "--cores", "4"}));
+  EXPECT_EQ(made.status, 1) << made.err;  // typed depths are the first tray's alone
+  EXPECT_EQ(made.err, "slabber: without depths: " + trays[1] + ", " + trays[2] + "\n");
+  made = slabber(newArgs({"--rows", "4", "--top", "100", "--base", "102", "--cores", "4", "--carry", "--force"}));
   ASSERT_EQ(made.status, 0) << made.err;
+  EXPECT_NE(made.out.find("depths: 0 read from names, 1 typed or imported, 2 carried, 0 without depths\n"),
+            std::string::npos)
+      << made.out;
   const Outcome shown = slabber({"show", "s.slbs"});
   EXPECT_EQ(words(imageLine(shown.out, 1))[3], "100.00");
   EXPECT_EQ(words(imageLine(shown.out, 3))[3], "104.00");
@@ -178,10 +211,11 @@ TEST_F(SlabberCliTest, ImpossibleDepthsAndBadArgumentsExitWithTwoAndWriteNothing
   EXPECT_FALSE(fs::exists(dir.file("s.slbs")));
 
   photo("TRAY_1236_0-1234_5.jpg");
-  r = slabber({"new", "s.slbs", "TRAY_1236_0-1234_5.jpg", "--depths-from-names"});
-  EXPECT_EQ(r.status, 2);
-  EXPECT_EQ(r.err, "slabber: TRAY_1236_0-1234_5.jpg: Error - Top depth >= Base Depth!\n");
-  EXPECT_FALSE(fs::exists(dir.file("s.slbs")));
+  r = slabber({"new", "upside.slbs", "TRAY_1236_0-1234_5.jpg", "--depths-from-names"});
+  EXPECT_EQ(r.status, 1);  // the name is refused; the photograph is kept without depths
+  EXPECT_EQ(r.err,
+            "slabber: TRAY_1236_0-1234_5.jpg: found \"1236_0-1234_5\" but the top is not above the base; left without "
+            "depths\nslabber: without depths: TRAY_1236_0-1234_5.jpg\n");
 
   r = slabber({"new", "s.slbs", "missing.jpg"});
   EXPECT_EQ(r.status, 2);
@@ -199,7 +233,11 @@ TEST_F(SlabberCliTest, ImpossibleDepthsAndBadArgumentsExitWithTwoAndWriteNothing
 
 TEST_F(SlabberCliTest, ExistingSessionIsReplacedOnlyWhenForced) {
   threeTrays();
-  ASSERT_EQ(slabber(newArgs({"--rows", "2"})).status, 0);
+  const Outcome made = slabber(newArgs({"--rows", "2"}));
+  ASSERT_EQ(made.status, 0);  // no depths asked for: counted, not a failure
+  EXPECT_EQ(made.out,
+            "s.slbs: 3 images, 6 rows\n"
+            "depths: 0 read from names, 0 typed or imported, 0 carried, 3 without depths\n");
   const std::string before = TempDir::read(dir.file("s.slbs"));
   const Outcome refused = slabber(newArgs({"--rows", "3"}));
   EXPECT_EQ(refused.status, 2);
@@ -296,6 +334,151 @@ TEST_F(SlabberCliTest, TemplateLibrary) {
 
   EXPECT_EQ(slabber({"new", "x.slbs", "TRAY_1239_0-1240_5.jpg", "--template", "six"}).status, 2);
   EXPECT_FALSE(fs::exists(dir.file("x.slbs")));
+}
+
+TEST_F(SlabberCliTest, PhotographsAreOrderedNaturallyUnlessKeptInOrder) {
+  const std::vector<std::string> boxes = {"K-DD-51_BOX(12) 33.0-36.0.JPG", "K-DD-51_BOX(2) 3.0-6.0.JPG",
+                                          "k-dd-51_box(10) 27.0-30.0.JPG", "K-DD-51_BOX(1) 0.0-3.0.JPG"};
+  for (const std::string& b : boxes) photo(b);
+  std::vector<std::string> args = {"new", "s.slbs"};
+  args.insert(args.end(), boxes.begin(), boxes.end());
+  args.push_back("--depths-from-names");
+  ASSERT_EQ(slabber(args).status, 0);
+  Outcome shown = slabber({"show", "s.slbs"});
+  EXPECT_EQ(words(imageLine(shown.out, 1))[1], "K-DD-51_BOX(1)");
+  EXPECT_EQ(words(imageLine(shown.out, 2))[1], "K-DD-51_BOX(2)");
+  EXPECT_EQ(words(imageLine(shown.out, 3))[1], "k-dd-51_box(10)");
+  EXPECT_EQ(words(imageLine(shown.out, 4))[1], "K-DD-51_BOX(12)");
+
+  args.push_back("--keep-order");
+  args.push_back("--force");
+  ASSERT_EQ(slabber(args).status, 0);
+  shown = slabber({"show", "s.slbs"});
+  EXPECT_EQ(words(imageLine(shown.out, 1))[1], "K-DD-51_BOX(12)");
+  EXPECT_EQ(words(imageLine(shown.out, 4))[1], "K-DD-51_BOX(1)");
+}
+
+TEST_F(SlabberCliTest, DepthTableIsImportedReportingWhatDoesNotMatch) {
+  threeTrays();
+  ASSERT_EQ(slabber(newArgs({"--rows", "4"})).status, 0);
+  dir.write("depths.csv",
+            "photo,top,base,cores,core length\n"
+            "TRAY_1234_5-1236_0,10,12,4\n"
+            "\"tray_1236_0-1237_5.JPG\",12,14,,0.5\n"
+            "nine.jpg,1,2\n");
+  Outcome r = slabber({"depths", "s.slbs", "--table", "depths.csv"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.out,
+            "s.slbs: depths of 2 photos imported from depths.csv\n"
+            "depths: 0 read from names, 2 typed or imported, 0 carried, 1 without depths\n");
+  EXPECT_EQ(r.err,
+            "slabber: depths.csv, line 4: \"nine.jpg\" matches no photo of the session\n"
+            "slabber: depths.csv does not list: " + trays[2] + "\n"
+            "slabber: without depths: " + trays[2] + "\n");
+  Outcome shown = slabber({"show", "s.slbs", "--rows"});
+  EXPECT_EQ(words(imageLine(shown.out, 1)),
+            (std::vector<std::string>{"1", trays[0], "WL", "10.00", "12.00", "0.50", "4", "4"}));
+  EXPECT_EQ(words(imageLine(shown.out, 2)),
+            (std::vector<std::string>{"2", trays[1], "WL", "12.00", "14.00", "0.50", "4", "4"}));
+  EXPECT_NE(shown.out.find("row  4: 13.50 - 14.00\n"), std::string::npos) << shown.out;
+
+  // A place names a photo too; with every photo listed the exit status is 0.
+  dir.write("all.csv", "1,10,12\n2,12,14\n3,14,16\n");
+  r = slabber({"depths", "s.slbs", "--table", "all.csv"});
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err, "");
+}
+
+TEST_F(SlabberCliTest, BadDepthTablesChangeNothing) {
+  threeTrays();
+  ASSERT_EQ(slabber(newArgs({"--rows", "4", "--depths-from-names"})).status, 0);
+  const std::string before = TempDir::read(dir.file("s.slbs"));
+  const std::pair<std::string, std::string> cases[] = {
+      {"1,10,deep\n", "slabber: t.csv, line 1: base \"deep\" is not a number\n"},
+      {"photo,top,base\n2,12,11\n", "slabber: t.csv, line 2: Error - Top depth >= Base Depth!\n"},
+      {"1,10,12,0\n", "slabber: t.csv, line 1: cores \"0\" is not a whole number from 1 to 13\n"},
+      {"1,10,12,,0\n", "slabber: t.csv, line 1: core length \"0\" is not a length above 0.001\n"},
+      {"1,10,12\n" + trays[0] + ",20,22\n",
+       "slabber: t.csv, lines 1 and 2: both give depths for " + trays[0] + "\n"},
+      {",10,12\n", "slabber: t.csv, line 1: no photo in the first column\n"},
+  };
+  for (const auto& [text, message] : cases) {
+    dir.write("t.csv", text);
+    const Outcome r = slabber({"depths", "s.slbs", "--table", "t.csv"});
+    EXPECT_EQ(r.status, 2) << text;
+    EXPECT_EQ(r.err, message);
+    EXPECT_EQ(TempDir::read(dir.file("s.slbs")), before) << text;
+  }
+  EXPECT_EQ(slabber({"depths", "s.slbs", "--table", "none.csv"}).status, 2);
+  const Outcome both = slabber({"depths", "s.slbs", "--carry", "--table", "t.csv"});
+  EXPECT_EQ(both.status, 2);
+  EXPECT_EQ(both.err, "slabber: give one of: --from K --top T --base B, --carry, --table FILE.csv\n");
+}
+
+TEST_F(SlabberCliTest, DepthsCarryFillsOnlyThePhotosWithout) {
+  photo("A 10.0-12.0.jpg");
+  photo("B.jpg");
+  photo("C 20.0-22.0.jpg");
+  photo("D.jpg");
+  Outcome r = slabber({"new", "s.slbs", "A 10.0-12.0.jpg", "B.jpg", "C 20.0-22.0.jpg", "D.jpg", "--rows", "2",
+                       "--depths-from-names"});
+  ASSERT_EQ(r.status, 1);
+  r = slabber({"depths", "s.slbs", "--carry"});
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out,
+            "s.slbs: depths carried into 2 photos without depths\n"
+            "  carried: B.jpg 12.00-14.00 (from A 10.0-12.0.jpg)\n"
+            "  carried: D.jpg 22.00-24.00 (from C 20.0-22.0.jpg)\n"
+            "depths: 2 read from names, 0 typed or imported, 2 carried, 0 without depths\n");
+  const Outcome shown = slabber({"show", "s.slbs"});
+  EXPECT_EQ(words(imageLine(shown.out, 3))[4], "20.00");  // read from its name: kept
+}
+
+TEST_F(SlabberCliTest, ShowJsonGivesEveryImageAndRow) {
+  photo("A 10.0-12.0.jpg");
+  photo("B.jpg");
+  ASSERT_EQ(slabber({"new", "s.slbs", "A 10.0-12.0.jpg", "B.jpg", "--rows", "2", "--depths-from-names"}).status, 1);
+  const Outcome r = slabber({"show", "s.slbs", "--json"});
+  ASSERT_EQ(r.status, 0) << r.err;
+  const nlohmann::json j = nlohmann::json::parse(r.out);
+  EXPECT_EQ(j["session"], "s.slbs");
+  ASSERT_EQ(j["images"].size(), 2u);
+  const nlohmann::json& a = j["images"][0];
+  EXPECT_EQ(a["file"], "A 10.0-12.0.jpg");
+  EXPECT_EQ(a["light"], "WL");
+  EXPECT_EQ(a["unit"], "m");
+  EXPECT_EQ(a["top"], 10.0);
+  EXPECT_EQ(a["base"], 12.0);
+  EXPECT_EQ(a["core_length"], 1.0);
+  EXPECT_EQ(a["cores"], 2);
+  EXPECT_EQ(a["depths_from"], "name");
+  EXPECT_EQ(a["rows"][1], nlohmann::json({{"row", 2}, {"top", 11.0}, {"base", 12.0}}));
+  const nlohmann::json& b = j["images"][1];
+  EXPECT_TRUE(b["top"].is_null());
+  EXPECT_EQ(b["depths_from"], "none");
+  EXPECT_TRUE(b["rows"][0]["top"].is_null());
+}
+
+TEST_F(SlabberCliTest, VersionAndMistypedCommands) {
+  Outcome r = slabber({"--version"});
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out.rfind("slabber ", 0), 0u) << r.out;
+  EXPECT_NE(r.out.find('.'), std::string::npos) << r.out;
+
+  r = slabber({"splt", "s.slbs"});
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "slabber: unknown command \"splt\"; did you mean \"split\"? (slabber --help lists them)\n");
+  r = slabber({"templates", "lsit"});
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err,
+            "slabber: unknown command \"lsit\"; did you mean \"templates list\"? (slabber --help lists them)\n");
+  r = slabber({"shwo"});
+  EXPECT_EQ(r.err, "slabber: unknown command \"shwo\"; did you mean \"show\"? (slabber --help lists them)\n");
+
+  const Outcome other = subsurf::testing::runCommand(quoted(subsurf::testing::builtProgram("subsurf")) +
+                                                     " --version");
+  EXPECT_EQ(other.status, 0);
+  EXPECT_EQ(other.out.rfind("subsurf ", 0), 0u) << other.out;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // file of small pattern photographs. Needs the slabber program built in the
 // same build tree; the tests are skipped when it is not there.
 #include <cstdlib>
+#include <fstream>
 
 #include <gtest/gtest.h>
 
@@ -62,14 +63,17 @@ TEST_F(SlabberCommand, SplitWritesRowsTableAndSummary) {
   const CommandRun r = run("split " + sessionFile + " --out " + out + " --report " + table + " --jobs 1");
   EXPECT_EQ(r.status, 0) << r.err;
   std::vector<std::string> expected = allNames();
+  expected.push_back("manifest.csv");
   expected.push_back("t.csv");
   EXPECT_EQ(filesIn(out), expected);
   EXPECT_EQ(r.out, "Split of " + sessionFile +
                        "\n"
                        "  photos:        3\n"
                        "  rows:          15 written of 15\n"
-                       "  files written: 16 (the table of clipping depths: " + table + ")\n"
-                       "  warnings:      0\n");
+                       "  files written: 17 (the table of clipping depths: " + table + ")\n"
+                       "  manifest:      " + outFile("manifest.csv") + "\n"
+                       "  warnings:      0\n"
+                       "  depths: 0 read from names, 3 typed or imported, 0 carried, 0 without depths\n");
   const auto lines = readLines(table);
   ASSERT_EQ(lines.size(), 2u + 3u * 6u);
   EXPECT_EQ(lines[0], " Table of clipping depths,");
@@ -103,7 +107,7 @@ TEST_F(SlabberCommand, SessionReportAndMetafileOptions) {
   sessionOptions.reportRoot = "depths";
   sessionOptions.reportOption = 2;
   save();
-  const CommandRun r = run("split " + sessionFile + " --out " + out);
+  const CommandRun r = run("split " + sessionFile + " --out " + out + " --no-manifest");
   EXPECT_EQ(r.status, 0) << r.err;
   std::vector<std::string> expected = allNames(".cgm");
   expected.push_back("depths.csv");
@@ -115,7 +119,7 @@ TEST_F(SlabberCommand, SessionReportAndMetafileOptions) {
 TEST_F(SlabberCommand, FormatChosenOnTheCommandLine) {
   sessionOptions.cgms = 1;
   save();
-  const CommandRun r = run("split " + sessionFile + " --out " + out + " --format png");
+  const CommandRun r = run("split " + sessionFile + " --out " + out + " --format png --no-manifest");
   EXPECT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(filesIn(out), allNames(".png"));
   EXPECT_NE(r.out.find("  files written: 15\n  (no table of clipping depths: the session does not ask for one; "
@@ -137,8 +141,9 @@ TEST_F(SlabberCommand, RowsBesideThePhotographsFromTheUserSettings) {
 TEST_F(SlabberCommand, FailedPhotographNamedRowByRow) {
   fs::remove(photos[1]);
   const CommandRun r = run("split " + sessionFile + " --out " + out + " --jobs 2");
-  EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(filesIn(out).size(), 10u);
+  EXPECT_EQ(r.status, 2);  // unreadable input; the other photos' rows are written all the same
+  EXPECT_EQ(filesIn(out).size(), 11u);  // ten rows and the manifest
+  EXPECT_EQ(readLines(outFile("manifest.csv")).size(), 11u);  // the rows written, under the header
   EXPECT_NE(r.err.find("slabber: Error loading: " + photos[1] + " (file not found)"), std::string::npos) << r.err;
   std::string rows = "Rows not written:\n";
   for (int k = 1; k <= 5; ++k) rows += "  " + photos[1] + " Core " + std::to_string(k) + ": the photograph could not be read\n";
@@ -159,14 +164,14 @@ TEST_F(SlabberCommand, OutputFolderThatCannotBeMade) {
 TEST_F(SlabberCommand, MissingDepthsAnsweredFromTheCommandLine) {
   session.images()[1]->realSetting(rowTopSetting(3)).V = kRealNull;
   save();
-  CommandRun r = run("split " + sessionFile + " --out " + out + " --no");
+  CommandRun r = run("split " + sessionFile + " --out " + out + " --no --no-manifest");
   EXPECT_EQ(r.status, 1);
   EXPECT_NE(r.err.find(std::string(kAskDeriveDepths) + " [no]"), std::string::npos) << r.err;
   EXPECT_NE(r.err.find("slabber: Core table not complete for one or more rectangles"), std::string::npos);
   EXPECT_EQ(filesIn(out).size(), 14u);
 
   fs::remove_all(out);
-  r = run("split " + sessionFile + " --out " + out + " --yes");
+  r = run("split " + sessionFile + " --out " + out + " --yes --no-manifest");
   EXPECT_EQ(r.status, 0) << r.err;
   EXPECT_NE(r.err.find(std::string(kAskDeriveDepths) + " [yes]"), std::string::npos) << r.err;
   EXPECT_EQ(filesIn(out), allNames());
@@ -214,9 +219,104 @@ TEST_F(SlabberCommand, PreviewOfAMissingPhotograph) {
   fs::remove(photos[2]);
   const std::string prev = dir.file("prev");
   const CommandRun r = run("preview " + sessionFile + " --out " + prev);
-  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.status, 2);  // unreadable input; the other previews are drawn
   EXPECT_EQ(filesIn(prev), (std::vector<std::string>{"T1_preview.png", "T2_preview.png"}));
   EXPECT_NE(r.err.find("slabber: Error loading: " + photos[2]), std::string::npos);
+}
+
+TEST_F(SlabberCommand, PhotosSharingAStubStopTheRunOrAreToldApart) {
+  CoreSession pair;
+  ASSERT_TRUE(pair.init());
+  for (const char* light : {"Dry", "Wet"}) {
+    const std::string p = dir.file(std::string("RC671_0332.25-0337.19_m_") + light + ".png");
+    makePhoto(p, 300, 200);
+    addTray(pair, p, 300, 200, 6, 332.25f, 0.8f);
+  }
+  const std::string pairFile = dir.file("pair.slbs");
+  ASSERT_TRUE(saveSession(pair, sessionOptions, pairFile));
+  pair.close();
+
+  CommandRun r = run("split " + pairFile + " --out " + out);
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find("slabber: RC671_0332.25-0337.19_m_Dry.png Core 1 and RC671_0332.25-0337.19_m_Wet.png Core 1 "
+                       "would both be written to " + outFile("RC671_0332_WL_00332_25-00333_05.bmp") + "\n"),
+            std::string::npos)
+      << r.err;
+  EXPECT_NE(r.err.find("slabber: Nothing written: give --unique to add a distinguishing part to such names\n"),
+            std::string::npos);
+  EXPECT_TRUE(filesIn(out).empty());
+
+  r = run("split " + pairFile + " --out " + out + " --unique");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.out.find("  rows:          12 written of 12\n  files written: 13\n"), std::string::npos) << r.out;
+  std::vector<std::string> files = filesIn(out);
+  ASSERT_EQ(files.size(), 13u);
+  EXPECT_EQ(files[0], "RC671_0332_WL_00332_25-00333_05_Dry.bmp");
+  EXPECT_EQ(files[1], "RC671_0332_WL_00332_25-00333_05_Wet.bmp");
+  EXPECT_EQ(files[12], "manifest.csv");
+}
+
+TEST_F(SlabberCommand, YesFillsOnlyTheDepthsThatAreMissing) {
+  // Tray 3's depths were read, typed or imported and do not follow tray 1's;
+  // tray 2 has none.
+  CoreImage& second = *session.images()[1];
+  second.realSetting(kRealTop).V = kRealNull;
+  second.realSetting(kRealBase).V = kRealNull;
+  for (int k = 1; k <= 5; ++k) setRowDepths(second, k, kRealNull, kRealNull);
+  CoreImage& third = *session.images()[2];
+  setDepth(third.realSetting(kRealTop), 2000.0f, "");
+  setDepth(third.realSetting(kRealBase), 2005.0f, "");
+  for (int k = 1; k <= 5; ++k) setRowDepths(third, k, 1999.0f + k, 2000.0f + k);
+  save();
+  const CommandRun r = run("split " + sessionFile + " --out " + out + " --yes --no-manifest");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.err.find(std::string(kAskDeriveDepths) + " [yes]"), std::string::npos) << r.err;
+  EXPECT_NE(r.out.find("  carried:       T2.png\n"
+                       "  depths: 0 read from names, 2 typed or imported, 1 carried, 0 without depths\n"),
+            std::string::npos)
+      << r.out;
+  EXPECT_TRUE(fs::exists(outFile("T2_WL_01005_00-01006_00.bmp")));  // carried on from tray 1
+  EXPECT_TRUE(fs::exists(outFile("T3_WL_02000_00-02001_00.bmp")));  // kept
+  EXPECT_FALSE(fs::exists(outFile("T3_WL_01010_00-01011_00.bmp")));
+}
+
+TEST_F(SlabberCommand, ManifestLoadsInPythonsCsvModule) {
+  if (std::system("python3 -c 'import csv' >/dev/null 2>&1") != 0) GTEST_SKIP() << "python3 does not run here";
+  const CommandRun r = run("split " + sessionFile + " --out " + out + " --manifest " + dir.file("m/rows.csv") +
+                           " --hole 'BH 7, west'");
+  ASSERT_EQ(r.status, 0) << r.err;
+  const std::string script = dir.file("load.py");
+  {
+    std::ofstream py(script);
+    py << "import csv, sys\n"
+          "rows = list(csv.DictReader(open(sys.argv[1], newline='')))\n"
+          "print(len(rows), rows[0]['hole'], rows[0]['file'], rows[14]['top'], rows[14]['base'], rows[0]['width'])\n";
+  }
+  const CommandRun py = subsurf::testing::runCommand("python3 " + script + " " + dir.file("m/rows.csv"));
+  ASSERT_EQ(py.status, 0) << py.err;
+  EXPECT_EQ(py.out, "15 BH 7, west ../out/T1_WL_01000_00-01001_00.bmp 1014.00 1015.00 300\n");
+}
+
+TEST_F(SlabberCommand, LayoutWarningsComeBeforeCuttingInSplitAndPreview) {
+  CoreImage& first = *session.images()[0];
+  CoreRectangle& second = *session.rectangleAt(first, 2);
+  second.polygon.py[0] = second.polygon.py[1] = 35;  // reaches 5 pixels into row 1
+  CoreRectangle& fifth = *session.rectangleAt(first, 5);
+  fifth.polygon.px[1] = fifth.polygon.px[2] = 320;  // past the right edge of the 300-pixel photo
+  save();
+  const std::string overlap = "slabber: T1.png: rows 1 and 2 overlap by 300 x 5 pixels\n";
+  const std::string outside =
+      "slabber: T1.png: row 5 (0, 160) to (320, 200) reaches outside the 300 x 200 photograph; it is clipped\n";
+  CommandRun r = run("split " + sessionFile + " --out " + out + " --no-manifest");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.err.find(overlap), std::string::npos) << r.err;
+  EXPECT_NE(r.err.find(outside), std::string::npos) << r.err;
+  EXPECT_LT(r.err.find(overlap), r.err.find("Processing images..."));
+  EXPECT_NE(r.out.find("  warnings:      2\n"), std::string::npos) << r.out;
+
+  r = run("preview " + sessionFile + " --out " + dir.file("check"));
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err.rfind(overlap + outside, 0), 0u) << r.err;  // (leak checkers may add their own lines)
 }
 
 }  // namespace

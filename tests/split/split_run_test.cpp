@@ -127,8 +127,8 @@ TEST_F(SplitRun, DuplicateNamesAreReported) {
   addTray(session, t1, 300, 200, 1, 1000.0f, 1.0f);
   addTray(session, t1, 300, 200, 1, 1000.0f, 1.0f);
   processSession(session, options);
-  EXPECT_TRUE(shown(outFile("T1_WL_01000_00-01001_00.bmp") +
-                    " is the name of image 1 Core 1 and of image 2 Core 1; only one is kept"));
+  EXPECT_TRUE(shown("T1.png (image 1) Core 1 and T1.png (image 2) Core 1 would both be written to " +
+                    outFile("T1_WL_01000_00-01001_00.bmp")));
 }
 
 TEST_F(SplitRun, ProgressStartsWithProcessingImages) {
