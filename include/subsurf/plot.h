@@ -18,6 +18,8 @@
 #ifndef SUBSURF_PLOT_H
 #define SUBSURF_PLOT_H
 
+#include "subsurf/units.h"
+
 #ifdef __cplusplus
 namespace subsurf {
 struct PlotRecord;
@@ -287,6 +289,47 @@ void ZW_ZPWRITE(ZW_ZP** plot, const char* file, int* status);
  * contents but not its place in the tree. A damaged file is reported with its
  * line and leaves the plot as it was. */
 void ZW_ZPREAD(ZW_ZP** plot, const char* file, int* status);
+
+/* ---- Axes and scaling -------------------------------------------------- */
+/* Sets the scale's limits from n values by its range mode (type and mode are
+ * clamped first; see docs/plots.md for every rule). */
+void ZW_AXLIMS(const int* n, const float* values, ZW_SCALE* scale);
+/* The same for a vector with a unit, converted first into the scale's UNIT
+ * when both are known and differ; an empty vector gives 0..1 (log: 0.1..10). */
+void ZW_RVAXLIMS(const DT_RVEC* vector, ZW_SCALE* scale);
+/* Tidies a scale after an edit: type and mode clamped, limits that a log axis
+ * cannot show replaced by its fallback, equal limits widened to their decade. */
+void ZW_AXADJUST(ZW_SCALE* scale);
+/* n replaced by a 1-2-5 step. */
+void ZW_125(int* n);
+/* Placement of an axis (ZW_AXIS_...) of the current set: 0 hidden, 1 low
+ * side, 2 high side, 3 both. */
+void ZW_SETAXP(const int* axis, const int* placement, int* status);
+void ZW_GETAXP(const int* axis, int* placement);
+/* Label and number heights of the current set from the plot's page size. */
+void ZW_SETAXSIZES(void);
+/* Axis labels of the current set (40): set; the label with its unit appended
+ * as "label (unit)" when the plot shows units; ZW_AXSETLABM sets every set's. */
+void ZW_AXSETLAB(const int* axis, const char* label, int* status);
+void ZW_AXSETLABM(const int* axis, const char* label, int* status);
+void ZW_AXLABL(const int* axis, char* label);
+/* Value to axis fraction (0 at MIN, 1 at MAX) and back; a value the scale
+ * cannot show gives the real null. ZW_AXNPOS uses the current set's scale. */
+void ZW_NPOS(const ZW_SCALE* scale, const float* value, float* fraction);
+void ZW_WPOS(const ZW_SCALE* scale, const float* fraction, float* value);
+void ZW_VECNPOS(const ZW_SCALE* scale, const int* n, const float* values, float* fractions);
+void ZW_AXNPOS(const int* axis, const float* value, float* fraction);
+/* Gives every set of the current plot the x and y limits that hold all of
+ * them, and marks the plot as sharing one scale. */
+void ZW_SAMESCALE(void);
+/* Makes the "(unit)" at the end of the current set's axis label name the
+ * scale's unit; status 1 when it had to be changed. */
+void ZW_CHECKLABUNIT(const int* axis, int* status);
+/* The texts of the dialogs: range modes then scale types, 8 characters each
+ * (112); month abbreviations (3); probability-axis labels (2, index 0..12). */
+void ZW_AXNAMES(char* text);
+void ZW_AXMONTH(const int* month, char* text);
+void ZW_AXPROBLAB(const int* index, char* text);
 
 #ifdef __cplusplus
 }
