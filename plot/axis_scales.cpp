@@ -202,6 +202,29 @@ double scaleInverse(int type, double t) {
   }
 }
 
+ZW_SCALE drawableScale(const ZW_SCALE& scale) {
+  ZW_SCALE s = scale;
+  s.TYPE = clampInto(s.TYPE, kLinear, kProb);
+  auto showable = [&](float v) { return !isNull(v) && std::isfinite(scaleTransform(s.TYPE, v)); };
+  auto repair = [&](float& bad, float other) {
+    if (showable(bad)) return;
+    if (s.TYPE == kNorm) bad = isNull(bad) || bad <= 0 ? 0.1f : 99.9f;
+    if (!showable(other)) return;
+    if (s.TYPE == kLog) bad = other / 1000.0f;
+    else if (s.TYPE == kRecip) bad = other / 100.0f;
+  };
+  repair(s.MIN, s.MAX);
+  repair(s.MAX, s.MIN);
+  if (!showable(s.MIN) || !showable(s.MAX) || s.MIN == s.MAX ||
+      (s.TYPE == kRecip && (s.MIN < 0) != (s.MAX < 0))) {
+    const Limits f = fallbackLimits(s.TYPE);
+    s.MIN = f.min;
+    s.MAX = f.max;
+    if (s.TYPE == kRecip) s.MIN = 0.1f;  // the fallback's 0 is not on a reciprocal axis
+  }
+  return s;
+}
+
 double axisFraction(const ZW_SCALE& scale, double value) {
   const double t0 = scaleTransform(scale.TYPE, scale.MIN), t1 = scaleTransform(scale.TYPE, scale.MAX);
   const double t = scaleTransform(scale.TYPE, value);

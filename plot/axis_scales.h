@@ -55,6 +55,13 @@ int step125(int n);
 double axisFraction(const ZW_SCALE& scale, double value);
 // The value at a fraction of the axis (the inverse of axisFraction).
 double axisValue(const ZW_SCALE& scale, double fraction);
+// The scale as it can be drawn: a limit the type cannot show (0 or less on a
+// Log axis, 0 on a Recip. axis, 0 or 100 and beyond on a Norm axis) is moved
+// to where it can, from the other limit: a thousandth of it (Log), a hundredth
+// of it (Recip.), 0.1 or 99.9 (Norm). A scale that still cannot be drawn gets
+// its type's fallback limits.
+ZW_SCALE drawableScale(const ZW_SCALE& scale);
+
 // The scale type's transform of a value, increasing with the value where the
 // type allows, and its inverse.
 double scaleTransform(int type, double value);
