@@ -46,7 +46,8 @@ void addTick(std::vector<Tick>& ticks, const ZW_SCALE& s, double v, std::string 
 std::vector<Tick> steppedTicks(const ZW_SCALE& s, double step, bool withMinors) {
   std::vector<Tick> ticks;
   const double lo = std::min(s.MIN, s.MAX), hi = std::max(s.MIN, s.MAX);
-  const double first = std::ceil(lo / step - 1e-9), last = std::floor(hi / step + 1e-9);
+  // Limits are held in single precision: 0.05 is a hair above 2 steps of 0.025.
+  const double first = std::ceil(lo / step - 1e-6), last = std::floor(hi / step + 1e-6);
   if (last - first > 1000) return ticks;
   for (double k = first; k <= last; ++k) addTick(ticks, s, k * step, tickLabel(k * step, step));
   if (withMinors) {
