@@ -164,16 +164,53 @@ class Mapper {
   Rect area_;
 };
 
-// Stamps a pre-drawn marker at every point straight into the raster: the
-// markers of a large data set cost a few pixel writes each instead of a path.
-class MarkerStamp {
+// One axis's values to device positions, with the scale's transform of its
+// limits worked out once: position = origin + length * fraction. Nulls and
+// values the scale cannot show give NaN.
+class AxisMap {
  public:
-  MarkerStamp(int shape, double radiusPx, const Rgb& colour, double opacity) {
-    half_ = static_cast<int>(std::ceil(radiusPx * 1.2)) + 1;
+  AxisMap(const ZW_SCALE& s, double origin, double length) : type_(s.TYPE) {
+    const double t0 = scaleTransform(type_, s.MIN), t1 = scaleTransform(type_, s.MAX);
+    slope_ = length / (t1 - t0);
+    offset_ = origin - t0 * slope_;
+    if (!std::isfinite(slope_) || !std::isfinite(offset_)) slope_ = offset_ = NAN;
+  }
+  double operator()(float v) const {
+    if (isNull(v)) return NAN;
+    const double t = type_ == kLinear || type_ == kStan || type_ == kProb ? v : scaleTransform(type_, v);
+    return offset_ + slope_ * t;
+  }
+
+ private:
+  int type_;
+  double slope_ = 0, offset_ = 0;
+};
+
+// Premultiplied "over" of src on dst, k = 255 - src alpha: each channel is
+// src + dst * k / 255, the division rounded exactly (two channels at a time),
+// so an opaque page stays opaque.
+inline std::uint32_t over(std::uint32_t src, std::uint32_t dst, std::uint32_t k) {
+  std::uint32_t rb = (dst & 0x00FF00FF) * k + 0x00800080;
+  rb = ((rb + ((rb >> 8) & 0x00FF00FF)) >> 8) & 0x00FF00FF;
+  std::uint32_t ag = ((dst >> 8) & 0x00FF00FF) * k + 0x00800080;
+  ag = (ag + ((ag >> 8) & 0x00FF00FF)) & 0xFF00FF00;
+  return src + rb + ag;
+}
+
+// The markers of a large data set, drawn as a density: each marker adds its
+// pre-drawn coverage to a layer of counts, and the layer is put on the page
+// once. All markers of a set share one colour and opacity, so n markers over
+// a pixel give it 1 - (1 - a)^n of the colour whatever their order, exactly
+// what painting them one by one gives; a point costs a few integer additions.
+class MarkerLayer {
+ public:
+  MarkerLayer(int shape, double radiusPx, double opacity, int x0, int y0, int x1, int y1)
+      : x0_(x0), y0_(y0), width_(std::max(0, x1 - x0)), height_(std::max(0, y1 - y0)) {
+    half_ = static_cast<int>(std::ceil(radiusPx * 1.2 + 0.5));
     size_ = 2 * half_ + 1;
     cairo_surface_t* s = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size_, size_);
     cairo_t* cr = cairo_create(s);
-    cairo_set_source_rgba(cr, colour.r, colour.g, colour.b, opacity);
+    cairo_set_source_rgba(cr, 0, 0, 0, opacity);
     markerPath(cr, shape, half_ + 0.5, half_ + 0.5, radiusPx);
     if (markerIsStroke(shape)) {
       cairo_set_line_width(cr, std::max(1.0, radiusPx * 0.3));
@@ -186,46 +223,101 @@ class MarkerStamp {
     cairo_surface_flush(s);
     const unsigned char* data = cairo_image_surface_get_data(s);
     const int stride = cairo_image_surface_get_stride(s);
-    pixels_.resize(static_cast<std::size_t>(size_ * size_));
-    for (int row = 0; row < size_; ++row)
-      std::memcpy(&pixels_[static_cast<std::size_t>(row * size_)], data + row * stride, static_cast<std::size_t>(size_) * 4);
+    // Coverage a as the count that transmits 1 - a: -ln(1 - a), in 1/256 units.
+    weights_.assign(static_cast<std::size_t>(size_ * size_), 0);
+    spans_.assign(static_cast<std::size_t>(size_), {0, 0});
+    for (int row = 0; row < size_; ++row) {
+      int first = size_, last = -1;
+      for (int c = 0; c < size_; ++c) {
+        const std::uint32_t a = reinterpret_cast<const std::uint32_t*>(data + row * stride)[c] >> 24;
+        if (a == 0) continue;
+        const double w = a >= 255 ? kCap : std::min<double>(kCap, std::round(-std::log(1.0 - a / 255.0) * kUnit));
+        weights_[static_cast<std::size_t>(row * size_ + c)] = static_cast<std::uint32_t>(std::max(1.0, w));
+        first = std::min(first, c);
+        last = c;
+      }
+      if (last >= 0) spans_[static_cast<std::size_t>(row)] = {first, last + 1};
+    }
     cairo_surface_destroy(s);
-    // Only the rows and columns that hold something are blended.
-    for (const std::uint32_t p : pixels_) opaque_ = opaque_ || (p >> 24) != 0;
+    counts_.assign(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_), 0);
+    hitsWidth_ = width_ + 2 * half_;
+    hitsHeight_ = height_ + 2 * half_;
+    hits_.assign(static_cast<std::size_t>(hitsWidth_) * static_cast<std::size_t>(hitsHeight_), 0);
   }
 
-  // Blends the marker centred on device pixel (cx, cy), clipped to the box.
-  void stamp(unsigned char* data, int stride, int cx, int cy, int x0, int y0, int x1, int y1) const {
-    const int left = cx - half_, top = cy - half_;
-    const int r0 = std::max(0, y0 - top), r1 = std::min(size_, y1 - top);
-    const int c0 = std::max(0, x0 - left), c1 = std::min(size_, x1 - left);
-    for (int r = r0; r < r1; ++r) {
-      auto* dst = reinterpret_cast<std::uint32_t*>(data + (top + r) * stride) + left;
-      const std::uint32_t* src = &pixels_[static_cast<std::size_t>(r * size_)];
-      for (int c = c0; c < c1; ++c) {
-        const std::uint32_t s = src[c];
-        const std::uint32_t a = s >> 24;
-        if (a == 0) continue;
-        if (a == 255) {
-          dst[c] = s;
-          continue;
+  // How far a marker reaches from its centre, in pixels.
+  int reach() const { return half_; }
+
+  // Counts a marker centred at (hx, hy), counted from the layer's corner less
+  // the reach: centres outside the area count for the part of them that shows.
+  void add(int hx, int hy) {
+    if (static_cast<unsigned>(hx) >= static_cast<unsigned>(hitsWidth_) ||
+        static_cast<unsigned>(hy) >= static_cast<unsigned>(hitsHeight_))
+      return;
+    std::uint16_t& h = hits_[static_cast<std::size_t>(hy) * static_cast<std::size_t>(hitsWidth_) + static_cast<std::size_t>(hx)];
+    h = static_cast<std::uint16_t>(h + (h < kCap));  // kCap markers cover a pixel fully whatever their weight
+  }
+
+  // Spreads each pixel's markers by the marker's coverage: one pass over the
+  // pixels that hold centres, however many markers share them.
+  void spread() {
+    for (int hy = 0; hy < hitsHeight_; ++hy) {
+      const std::uint16_t* row = &hits_[static_cast<std::size_t>(hy) * static_cast<std::size_t>(hitsWidth_)];
+      for (int hx = 0; hx < hitsWidth_; ++hx) {
+        const std::uint32_t n = row[hx];
+        if (n == 0) continue;
+        // The marker's top-left corner in area pixels.
+        const int left = hx - 2 * half_, top = hy - 2 * half_;
+        const int r0 = std::max(0, -top), r1 = std::min(size_, height_ - top);
+        for (int r = r0; r < r1; ++r) {
+          const auto [s0, s1] = spans_[static_cast<std::size_t>(r)];
+          const int c0 = std::max(s0, -left), c1 = std::min(s1, width_ - left);
+          std::uint16_t* dst = &counts_[static_cast<std::size_t>(top + r) * static_cast<std::size_t>(width_)] + left;
+          const std::uint32_t* w = &weights_[static_cast<std::size_t>(r * size_)];
+          for (int c = c0; c < c1; ++c) dst[c] = static_cast<std::uint16_t>(std::min<std::uint32_t>(dst[c] + n * w[c], kCap));
         }
-        const std::uint32_t d = dst[c], k = 255 - a;
-        // Premultiplied "over": each channel is src + dst * (1 - alpha).
-        const std::uint32_t rb = ((d & 0x00FF00FF) * k + 0x00800080) >> 8 & 0x00FF00FF;
-        const std::uint32_t ag = (((d >> 8) & 0x00FF00FF) * k + 0x00800080) & 0xFF00FF00;
-        dst[c] = s + rb + ag;
       }
     }
   }
 
-  bool visible() const { return opaque_; }
+  // Lays the colour over the page where markers fell, as much as they cover.
+  void paint(unsigned char* data, int stride, const Rgb& colour) const {
+    std::array<std::uint8_t, kCap + 1> alpha{};
+    for (int t = 0; t <= kCap; ++t) alpha[static_cast<std::size_t>(t)] = static_cast<std::uint8_t>(std::lround(255.0 * (1.0 - std::exp(-t / static_cast<double>(kUnit)))));
+    const std::uint32_t cr = static_cast<std::uint32_t>(std::lround(colour.r * 255)),
+                        cg = static_cast<std::uint32_t>(std::lround(colour.g * 255)),
+                        cb = static_cast<std::uint32_t>(std::lround(colour.b * 255));
+    for (int y = 0; y < height_; ++y) {
+      const std::uint16_t* row = &counts_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_)];
+      auto* dst = reinterpret_cast<std::uint32_t*>(data + (y0_ + y) * stride) + x0_;
+      for (int x = 0; x < width_; ++x) {
+        if (row[x] == 0) continue;
+        const std::uint32_t a = alpha[row[x]], k = 255 - a;
+        const std::uint32_t src = (a << 24) | (((cr * a + 127) / 255) << 16) | (((cg * a + 127) / 255) << 8) | ((cb * a + 127) / 255);
+        dst[x] = over(src, dst[x], k);
+      }
+    }
+  }
+
+  bool visible() const {
+    return std::any_of(spans_.begin(), spans_.end(), [](const auto& s) { return s.second > s.first; });
+  }
 
  private:
+  static constexpr int kUnit = 256;       // counts per unit of -ln(transmission)
+  static constexpr int kCap = 12 * kUnit; // beyond this a pixel is fully covered
+  int x0_, y0_, width_, height_;
   int half_ = 0, size_ = 0;
-  bool opaque_ = false;
-  std::vector<std::uint32_t> pixels_;
+  int hitsWidth_ = 0, hitsHeight_ = 0;
+  std::vector<std::uint32_t> weights_;     // at most kCap each
+  std::vector<std::uint16_t> counts_, hits_;  // both held at or below kCap
+  std::vector<std::pair<int, int>> spans_;
 };
+
+// Beyond these counts a set's markers are laid as a density (see MarkerLayer):
+// straight into a PNG page, and as one embedded image on a vector page.
+constexpr std::size_t kManyPoints = 500;
+constexpr std::size_t kVectorPoints = 50000;
 
 class PlotPainter {
  public:
@@ -460,7 +552,7 @@ class PlotPainter {
       cairo_stroke(cr_);
       setDash(cr_, 1, 0.35);
     }
-    if (set.sym > 0 && n > 0) markers(set, map, n, symbolColour);
+    if (set.sym > 0 && n > 0) markers(set, sx, sy, map, n, symbolColour);
     for (const LineElement& l : set.lines) lineElement(l, map);
     for (const ZW_SYMB& s : set.symbols) {
       double px, py;
@@ -507,29 +599,72 @@ class PlotPainter {
     cairo_fill(cr_);
   }
 
-  void markers(const PlotSet& set, const Mapper& map, std::size_t n, const Rgb& colour) {
+  // The markers of many points laid through a MarkerLayer onto ARGB pixels
+  // (data, stride) inside [x0, x1) x [y0, y1). The data area's lower-left
+  // corner lies at pixel (left, bottom) and is width x height pixels.
+  struct PixelArea {
+    double left, bottom, width, height;
+    int x0, y0, x1, y1;
+  };
+  static void layMarkers(int shape, double radiusPx, double opacity, const Rgb& colour, const PixelArea& a,
+                         const ZW_SCALE& sx, const ZW_SCALE& sy, const std::vector<float>& xs,
+                         const std::vector<float>& ys, std::size_t n, unsigned char* data, int stride) {
+    MarkerLayer layer(shape, radiusPx, opacity, a.x0, a.y0, a.x1, a.y1);
+    if (!layer.visible()) return;
+    // Positions counted from the layer's corner, so one unsigned compare per
+    // axis tells a centre the layer holds; nulls, NaN and far values fail it.
+    const AxisMap mx(sx, a.left - a.x0 + layer.reach(), a.width);
+    const AxisMap my(sy, a.bottom - a.y0 + layer.reach(), -a.height);
+    for (std::size_t k = 0; k < n; ++k) {
+      const double dx = mx(xs[k]), dy = my(ys[k]);
+      if (!(std::fabs(dx) < 1e9 && std::fabs(dy) < 1e9)) continue;
+      // Floor, not truncation, for the few centres left of or above the corner.
+      layer.add(static_cast<int>(dx + 1e9) - 1000000000, static_cast<int>(dy + 1e9) - 1000000000);
+    }
+    layer.spread();
+    layer.paint(data, stride, colour);
+  }
+
+  void markers(const PlotSet& set, const ZW_SCALE& sx, const ZW_SCALE& sy, const Mapper& map, std::size_t n,
+               const Rgb& colour) {
     const double r = markerSizeMm(set) / 2, opacity = markerOpacity(set);
     const auto& xs = set.data[0];
     const auto& ys = set.data[1];
-    cairo_surface_t* raster = c_.raster();
-    if (raster && n > 500) {
+    if (cairo_surface_t* raster = c_.raster(); raster && n > kManyPoints) {
       // Device pixels: the page is scaled by dpi / 25.4.
       const double scale = 1.0 / c_.deviceUnitMm();
-      MarkerStamp stamp(set.sym, r * scale, colour, opacity);
-      if (!stamp.visible()) return;
-      cairo_surface_flush(raster);
-      unsigned char* data = cairo_image_surface_get_data(raster);
-      const int stride = cairo_image_surface_get_stride(raster);
       const int x0 = static_cast<int>(std::ceil(area_.left * scale)), x1 = static_cast<int>(std::floor(area_.right * scale));
       const int y0 = static_cast<int>(std::ceil(area_.top * scale)), y1 = static_cast<int>(std::floor(area_.bottom * scale));
-      for (std::size_t k = 0; k < n; ++k) {
-        double px, py;
-        if (!map.map(xs[k], ys[k], px, py)) continue;
-        const double dx = px * scale, dy = py * scale;
-        if (dx < x0 - 64 || dx > x1 + 64 || dy < y0 - 64 || dy > y1 + 64) continue;
-        stamp.stamp(data, stride, static_cast<int>(std::floor(dx)), static_cast<int>(std::floor(dy)), x0, y0, x1, y1);
-      }
+      cairo_surface_flush(raster);
+      const PixelArea pa{area_.left * scale, area_.bottom * scale, area_.width() * scale, area_.height() * scale,
+                         x0, y0, x1, y1};
+      layMarkers(set.sym, r * scale, opacity, colour, pa, sx, sy, xs, ys, n, cairo_image_surface_get_data(raster),
+                 cairo_image_surface_get_stride(raster));
       cairo_surface_mark_dirty(raster);
+      return;
+    }
+    if (n > kVectorPoints) {
+      // Hundreds of thousands of vector markers make files no viewer opens:
+      // the markers of a set this large go on the page as one image of the
+      // data area (axes and text stay vector), at the resolution asked for.
+      const double scale = std::max(options_.dpi, 150.0) / 25.4;
+      const int w = std::max(1, static_cast<int>(std::ceil(area_.width() * scale)));
+      const int h = std::max(1, static_cast<int>(std::ceil(area_.height() * scale)));
+      cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
+      if (cairo_surface_status(image) == CAIRO_STATUS_SUCCESS) {
+        cairo_surface_flush(image);
+        const PixelArea pa{0.0, area_.height() * scale, area_.width() * scale, area_.height() * scale, 0, 0, w, h};
+        layMarkers(set.sym, r * scale, opacity, colour, pa, sx, sy, xs, ys, n, cairo_image_surface_get_data(image),
+                   cairo_image_surface_get_stride(image));
+        cairo_surface_mark_dirty(image);
+        cairo_save(cr_);
+        cairo_translate(cr_, area_.left, area_.top);
+        cairo_scale(cr_, 1.0 / scale, 1.0 / scale);
+        cairo_set_source_surface(cr_, image, 0, 0);
+        cairo_paint(cr_);
+        cairo_restore(cr_);
+      }
+      cairo_surface_destroy(image);
       return;
     }
     cairo_new_path(cr_);

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "host/drawing/png_writer.h"
 #include "host/fixed_text.h"
 
 namespace subsurf::drawing {
@@ -149,7 +150,14 @@ Status Canvas::finish() {
   cr_ = nullptr;
   cairo_status_t drawn = cairo_surface_status(surface_);
   if (kind_ == OutputKind::Png) {
-    if (drawn == CAIRO_STATUS_SUCCESS) drawn = cairo_surface_write_to_png_stream(surface_, &Canvas::writeChunk, this);
+    if (drawn == CAIRO_STATUS_SUCCESS) {
+      const Status written = writePng(surface_, [this](std::string_view bytes) { file_.write(bytes); });
+      if (!written) {
+        finished_ = true;
+        file_.discard();
+        return Status::error(fmt::format("{}: {}", file_.target(), written.message()));
+      }
+    }
   } else {
     cairo_surface_finish(surface_);
     if (drawn == CAIRO_STATUS_SUCCESS) drawn = cairo_surface_status(surface_);

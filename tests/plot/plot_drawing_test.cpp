@@ -73,7 +73,9 @@ TEST(AxisTicks, LabelsNeverOverlapOnAnyTypeOrLength) {
         const auto ticks = ss::axisTicks(s, length, width, 2.0);
         expectNoOverlap(ticks, length, 2.0, ss::scaleTypeName(type) + " " + std::to_string(lo) + ".." +
                                                 std::to_string(hi) + " on " + std::to_string(length));
-        if (length >= 90) EXPECT_GE(labels(ticks).size(), 2u) << type << " " << lo << ".." << hi;
+        if (length >= 90) {
+          EXPECT_GE(labels(ticks).size(), 2u) << type << " " << lo << ".." << hi;
+        }
       }
 }
 
@@ -307,6 +309,8 @@ ss::PlotRecord onePointPlot(float x, float y) {
 
 int pixelsOfColour(const std::string& png, std::uint32_t rgb, int* meanX = nullptr) {
   cairo_surface_t* img = cairo_image_surface_create_from_png(png.c_str());
+  // Pages are opaque: blending markers must not wear the alpha down.
+  EXPECT_EQ(cairo_image_surface_get_format(img), CAIRO_FORMAT_RGB24) << png;
   cairo_surface_flush(img);
   const int w = cairo_image_surface_get_width(img), h = cairo_image_surface_get_height(img);
   int n = 0;
