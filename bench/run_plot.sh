@@ -19,7 +19,7 @@ echo "load average: $(cut -d' ' -f1-3 /proc/loadavg)"
 json="$(mktemp)"
 trap 'rm -f "$json"' EXIT
 for bench in DrawPng DrawSvg AxlimsP99P1; do
-  "$build/bench/plot_bench" --benchmark_filter="BM_$bench\$" --benchmark_repetitions=5 --benchmark_format=json >"$json"
+  "$build/bench/plot_bench" --benchmark_filter="BM_$bench/" --benchmark_repetitions=5 --benchmark_format=json >"$json"
   "$py" - "$json" "$bench" <<'PY'
 import json, sys
 runs = [b for b in json.load(open(sys.argv[1]))["benchmarks"] if b.get("run_type") == "iteration"]
