@@ -14,6 +14,7 @@
 #include "host/messages.h"
 #include "host/nulls.h"
 #include "host/paths.h"
+#include "plot/plot_drawing.h"
 #include "plot/plot_elements.h"
 #include "plot/plot_file.h"
 #include "plot/plot_tree.h"
@@ -673,6 +674,57 @@ void ZW_LEGPOSITION(const float* fx, const float* fy) {
   if (!l) return;
   if (fx) l->fx = std::clamp(*fx, 0.0f, 1.0f);
   if (fy) l->fy = std::clamp(*fy, 0.0f, 1.0f);
+}
+
+// ---------------------------------------------------------------------------
+// Defaults of the blocks.
+
+void ZW_ZPSDFLT(void) {
+  guarded(nullptr, [] {
+    ss::PlotSet* s = tree().currentSet();
+    if (!s) return;
+    ss::PlotSet fresh;
+    std::swap(fresh.lines, s->lines);
+    std::swap(fresh.symbols, s->symbols);
+    std::swap(fresh.texts, s->texts);
+    std::swap(fresh.data, s->data);
+    std::swap(fresh.icodes, s->icodes);
+    *s = std::move(fresh);
+  });
+}
+
+void ZW_ZPDFLT(ZW_ZP** plot) {
+  if (ss::PlotRecord* p = plotOrCurrent(plot)) p->fields = ss::PlotFields();
+}
+
+void ZW_ANNDFLT(ZW_ZP** plot) {
+  guarded(nullptr, [&] {
+    if (ss::PlotRecord* p = plotOrCurrent(plot)) p->annotation = ss::defaultAnnotation();
+  });
+}
+
+void ZW_ANNINIT(ZW_ZP** plot) { ZW_ANNDFLT(plot); }
+
+void ZW_LAYDFLT(ZW_ZP** plot) {
+  if (ss::PlotRecord* p = plotOrCurrent(plot)) p->layout = ss::Layout();
+}
+
+// ---------------------------------------------------------------------------
+// Drawing.
+
+void ZW_ZPDRAW(ZW_ZP** plot, const char* file, const float* dpi, int* status) {
+  set(status, 1);
+  guarded(status, [&] {
+    ss::PlotRecord* p = plotOrCurrent(plot);
+    if (!p) return;
+    ss::DrawOptions o;
+    o.path = fileArgument(file);
+    if (!ss::drawing::outputKindOf(o.path, o.kind))
+      return ss::host::showMessage(o.path + ": the name must end in .svg, .png or .pdf");
+    if (dpi && *dpi > 0) o.dpi = *dpi;
+    if (auto s = ss::drawPlot(*p, o); !s) return ss::host::showMessage(s.message());
+    set(status, 0);
+  });
 }
 
 // ---------------------------------------------------------------------------

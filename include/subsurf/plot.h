@@ -281,6 +281,24 @@ void ZW_LEGDEL(void);
 /* Legend position as fractions of the plot area (0..1 each, clamped). */
 void ZW_LEGPOSITION(const float* fx, const float* fy);
 
+/* ---- Defaults of the blocks ------------------------------------------- */
+/* The current set's fields back to their defaults (its elements and data stay). */
+void ZW_ZPSDFLT(void);
+/* The plot's own settings (title, colours, grid, options) back to defaults. */
+void ZW_ZPDFLT(ZW_ZP** plot);
+/* The annotation block of *plot back to its defaults ("@user" top left,
+ * "@date" top right); ZW_ANNINIT is the same. */
+void ZW_ANNDFLT(ZW_ZP** plot);
+void ZW_ANNINIT(ZW_ZP** plot);
+/* The layout block of *plot back to its defaults (A4 landscape, margins). */
+void ZW_LAYDFLT(ZW_ZP** plot);
+
+/* ---- Drawing ---------------------------------------------------------- */
+/* Draws *plot (null = the current plot) to file (260 characters; the kind
+ * from its extension .svg, .png or .pdf) on the layout's page, PNG at dpi dots
+ * per inch. status 1 with a message naming the file when it cannot. */
+void ZW_ZPDRAW(ZW_ZP** plot, const char* file, const float* dpi, int* status);
+
 /* ---- Plot files ------------------------------------------------------- */
 /* Writes *plot (null = the current plot) to file (260 characters, logical
  * prefixes allowed); the file is replaced only when complete. */

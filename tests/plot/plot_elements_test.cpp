@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "host/messages.h"
 #include "host/nulls.h"
 #include "plot/plot_tree.h"
 #include "subsurf/plot.h"
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -381,6 +384,62 @@ TEST_F(PlotElementsTest, ReinitEmptiesSetsButKeepsTheirDefinitions) {
   ZW_LEGIS(&n);
   EXPECT_EQ(n, 0);
   EXPECT_EQ(tree.root()->sets[0].defs.iop[0], 4);
+}
+
+}  // namespace
+
+namespace {
+
+TEST(PlotBlockDefaults, EachBlockGoesBackToItsDefaults) {
+  ZW_ZPINIT();
+  auto& tree = subsurf::plotTree();
+  subsurf::PlotRecord* p = tree.current();
+  p->fields.title = "x";
+  p->fields.grlc1 = 7;
+  p->annotation.texts[4] = {"centre"};
+  p->layout.pagex = 100;
+  subsurf::PlotSet& s = p->sets[0];
+  s.sym = 5;
+  s.defs.iop[3] = 9;
+  s.labels[0] = "Depth";
+  s.data[0] = {1, 2};
+  int status = 0;
+  ZW_SYMBADD(&status);
+  ZW_ZPSDFLT();
+  EXPECT_EQ(s.sym, subsurf::PlotSet().sym);
+  EXPECT_EQ(s.defs, subsurf::PlotSet().defs);
+  EXPECT_EQ(s.labels[0], "");
+  EXPECT_EQ(s.data[0], (std::vector<float>{1, 2}));  // contents stay
+  EXPECT_EQ(s.symbols.count(), 1);
+  ZW_ZP* none = nullptr;
+  ZW_ZPDFLT(&none);
+  EXPECT_EQ(p->fields, subsurf::PlotFields());
+  ZW_ANNINIT(&none);
+  EXPECT_EQ(p->annotation, subsurf::defaultAnnotation());
+  EXPECT_EQ(p->annotation.texts[0], std::vector<std::string>{"@user"});
+  EXPECT_EQ(p->annotation.texts[2], std::vector<std::string>{"@date"});
+  ZW_LAYDFLT(&none);
+  EXPECT_EQ(p->layout, subsurf::Layout());
+}
+
+TEST(PlotBlockDefaults, DrawTheCurrentPlotThroughTheCInterface) {
+  subsurf::testing::TempDir dir;
+  ZW_ZPINIT();
+  subsurf::host::clearRecorded();
+  std::string name = dir.file("current.png");
+  name.resize(260, ' ');
+  const float dpi = 50;
+  int status = -1;
+  ZW_ZP* none = nullptr;
+  ZW_ZPDRAW(&none, name.c_str(), &dpi, &status);
+  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(std::filesystem::exists(dir.file("current.png")));
+  std::string bad = dir.file("current.bmp");
+  bad.resize(260, ' ');
+  ZW_ZPDRAW(&none, bad.c_str(), &dpi, &status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(subsurf::host::recordedMessages(),
+            std::vector<std::string>{dir.file("current.bmp") + ": the name must end in .svg, .png or .pdf"});
 }
 
 }  // namespace
