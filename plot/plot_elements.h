@@ -34,4 +34,13 @@ void fixElement(ZW_SYMB& e, const AxisWindow& w);
 void fixElement(ZW_TEXT& e, const AxisWindow& w);
 void fixElement(LineElement& e, const AxisWindow& w);
 
+// x := a x + b and y := c y + d for every point of the line (nulls stay null).
+void transformLine(LineElement& e, double a, double b, double c, double d);
+
+// Cuts the line to the window: the parts outside go, a segment that crosses
+// an edge ends on it, and pieces that the cut separates are kept apart by a
+// null point (drawing breaks there). A closed outline that was cut is no
+// longer closed. Window limits that are null leave that side open.
+void clipLine(LineElement& e, const AxisWindow& w);
+
 }  // namespace subsurf

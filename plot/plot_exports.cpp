@@ -562,6 +562,30 @@ void ZW_LINENEAREST(const float* x, const float* y, int* place, float* distance)
 void ZW_LINEMOVE(const float* dx, const float* dy, int* status) { familyMove<Lines>(dx, dy, status); }
 void ZW_LINEFIX(int* status) { familyFix<Lines>(status); }
 
+void ZW_LINETR(const float* a, const float* b, const float* c, const float* d, int* status) {
+  set(status, 1);
+  auto* l = Lines::list();
+  if (!l || !l->current()) return;
+  ss::transformLine(*l->current(), in(a, 1.0f), in(b), in(c, 1.0f), in(d));
+  set(status, 0);
+}
+
+void ZW_LINETRX(const float* a, const float* b, int* status) {
+  const float one = 1.0f, zero = 0.0f;
+  ZW_LINETR(a, b, &one, &zero, status);
+}
+
+void ZW_LINECLIP(int* status) {
+  set(status, 1);
+  guarded(status, [&] {
+    auto* l = Lines::list();
+    ss::PlotSet* s = tree().currentSet();
+    if (!l || !s || !l->current()) return;
+    ss::clipLine(*l->current(), ss::axisWindowOf(*s));
+    set(status, 0);
+  });
+}
+
 // ---------------------------------------------------------------------------
 // Bitmaps of the current plot.
 

@@ -246,6 +246,14 @@ void ZW_LINEGETPTS(float* x, float* y, const int* capacity, int* n);
 void ZW_LINENEAREST(const float* x, const float* y, int* place, float* distance);
 void ZW_LINEMOVE(const float* dx, const float* dy, int* status);
 void ZW_LINEFIX(int* status);
+/* The current line's points transformed: x := a x + b, y := c y + d
+ * (ZW_LINETRX changes x alone). */
+void ZW_LINETR(const float* a, const float* b, const float* c, const float* d, int* status);
+void ZW_LINETRX(const float* a, const float* b, int* status);
+/* The current line cut to the x and y limits of its set: parts outside go,
+ * crossing segments end on the edge, separated pieces are kept apart by a
+ * null point. */
+void ZW_LINECLIP(int* status);
 
 /* ---- Bitmaps of the current plot -------------------------------------- */
 void ZW_ZBMNBM(int* n);

@@ -443,3 +443,78 @@ TEST(PlotBlockDefaults, DrawTheCurrentPlotThroughTheCInterface) {
 }
 
 }  // namespace
+
+namespace {
+
+std::vector<float> pointsOf(bool xAxis) {
+  float xs[32], ys[32];
+  int cap = 32, n = 0;
+  ZW_LINEGETPTS(xs, ys, &cap, &n);
+  return xAxis ? std::vector<float>(xs, xs + n) : std::vector<float>(ys, ys + n);
+}
+
+class LineGeometry : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ZW_ZPINIT();
+    int status = 0, ax = ZW_AXIS_X, ay = ZW_AXIS_Y;
+    ZW_SCALE s = subsurf::defaultScale();
+    s.MIN = 0;
+    s.MAX = 10;
+    ZW_ZPSSETSCALE(&ax, &s, &status);
+    s.MIN = 10;  // a reversed y axis: 10 at the bottom, 0 at the top
+    s.MAX = 0;
+    ZW_ZPSSETSCALE(&ay, &s, &status);
+    ZW_LINEADD(&status);
+  }
+  void define(std::vector<float> x, std::vector<float> y) {
+    const int n = static_cast<int>(x.size());
+    int status = 1;
+    ZW_LINEDEFPTS(&n, x.data(), y.data(), &status);
+    ASSERT_EQ(status, 0);
+  }
+};
+
+TEST_F(LineGeometry, TransformScalesAndShiftsButKeepsNulls) {
+  define({1, subsurf::kRealNull, 3}, {2, 4, 6});
+  const float a = 2, b = 1, c = -1, d = 10;
+  int status = 1;
+  ZW_LINETR(&a, &b, &c, &d, &status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(pointsOf(true), (std::vector<float>{3, subsurf::kRealNull, 7}));
+  EXPECT_EQ(pointsOf(false), (std::vector<float>{8, 6, 4}));
+  ZW_LINETRX(&a, &b, &status);
+  EXPECT_EQ(pointsOf(true), (std::vector<float>{7, subsurf::kRealNull, 15}));
+  EXPECT_EQ(pointsOf(false), (std::vector<float>{8, 6, 4}));
+}
+
+TEST_F(LineGeometry, ClipCutsAtTheEdgesAndSeparatesPieces) {
+  // In, out across the right edge, back in, then wholly outside above.
+  define({5, 15, 5, 5}, {5, 5, 8, 20});
+  int status = 1;
+  ZW_LINECLIP(&status);
+  EXPECT_EQ(status, 0);
+  const float N = subsurf::kRealNull;
+  EXPECT_EQ(pointsOf(true), (std::vector<float>{5, 10, N, 10, 5, 5}));
+  EXPECT_EQ(pointsOf(false), (std::vector<float>{5, 5, N, 6.5f, 8, 10}));
+}
+
+TEST_F(LineGeometry, ClipOfABoxCutsItsOutlineNotTheArea) {
+  float x1 = -5, y1 = 5, x2 = 5, y2 = 15;
+  int status = 1;
+  ZW_BOXDEF(&x1, &y1, &x2, &y2, &status);
+  ZW_LINECLIP(&status);
+  ZW_LINE l;
+  ZW_LINEGET(&l, &status);
+  EXPECT_EQ(l.CLOSED, 0);
+  // Of the outline only the bottom edge from x = 0 and the right edge up to
+  // y = 10 lie inside; they join at the corner (5, 5).
+  EXPECT_EQ(pointsOf(true), (std::vector<float>{0, 5, 5}));
+  EXPECT_EQ(pointsOf(false), (std::vector<float>{5, 5, 10}));
+  // Wholly outside: nothing is left.
+  define({20, 30}, {1, 2});
+  ZW_LINECLIP(&status);
+  EXPECT_TRUE(pointsOf(true).empty());
+}
+
+}  // namespace
