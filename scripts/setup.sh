@@ -11,6 +11,8 @@ build_packages=(
 )
 # Only the benchmarks need these: peer tools measured in the same run.
 bench_packages=(hyperfine imagemagick libjpeg-turbo-progs libvips-tools python3-numpy time)
+build_packages+=(libpng-dev)            # PNG pages of plots, written directly
+bench_packages+=(python3-matplotlib)    # the peer of the plot benchmark
 
 wanted=("${build_packages[@]}")
 if [ "${1:-}" = "--bench" ]; then wanted+=("${bench_packages[@]}"); fi

@@ -81,6 +81,15 @@ void XCR(const char* text, const int* length, float* value, int* status);
 double A_DDEXP(const double* x, const double* p, int* err);
 /* value clamped to low..high. */
 int IA_ILIMIT(const int* value, const int* low, const int* high);
+/* Statistics of n values (those above bound, finite and of magnitude below
+ * 9.0e19): count, minimum, maximum, and npct percentiles (pcts in 0..100, linear
+ * interpolation between ranks) into pctvalues. Extremes and percentiles are 0
+ * when count is 0. */
+void A_VECSTATS1(const int* n, const float* values, const float* bound, const int* npct, const float* pcts,
+                 int* count, float* vmin, float* vmax, float* pctvalues);
+/* Round axis limits around vmin..vmax (log: 1 for a log axis): low, high, step.
+ * See host/vector_stats.h for the rule. */
+void A_AXLIM(const float* vmin, const float* vmax, const int* log, float* low, float* high, float* step);
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,225 @@
+// make_plot_gallery: draws the example plots of docs/plots.md (one PNG per
+// example, plus SVG and PDF of the first) from synthetic, reproducible data.
+//   make_plot_gallery OUTPUT_FOLDER [--dpi N]
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <iostream>
+#include <string>
+
+#include "host/fixed_text.h"
+#include "plot/axis_scales.h"
+#include "plot/axis_ticks.h"
+#include "plot/plot_drawing.h"
+
+namespace ss = subsurf;
+
+namespace {
+
+// A small reproducible generator (no dependence on the library's std::rand).
+class Noise {
+ public:
+  explicit Noise(std::uint64_t seed) : s_(seed) {}
+  double uniform() {
+    s_ = s_ * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<double>(s_ >> 11) / 9007199254740992.0;
+  }
+  double normal() {
+    const double u = std::max(1e-12, uniform()), v = uniform();
+    return std::sqrt(-2 * std::log(u)) * std::cos(2 * M_PI * v);
+  }
+
+ private:
+  std::uint64_t s_;
+};
+
+ss::PlotRecord basePlot(const std::string& title, double widthMm, double heightMm) {
+  ss::PlotRecord p;
+  p.fields.title = title;
+  p.layout.pagex = static_cast<float>(widthMm);
+  p.layout.pagey = static_cast<float>(heightMm);
+  p.layout.ml = p.layout.mr = 6;
+  p.layout.mt = p.layout.mb = 6;
+  p.annotation.texts = {};
+  return p;
+}
+
+ss::PlotSet dataSet(const std::string& name, int colour, int marker) {
+  ss::PlotSet s;
+  s.name = name;
+  const ss::drawing::Rgb c = ss::drawing::paletteColour(colour);
+  s.syrgb = s.lirgb = s.shrgb = {static_cast<int>(c.r * 255 + 0.5), static_cast<int>(c.g * 255 + 0.5),
+                                 static_cast<int>(c.b * 255 + 0.5)};
+  s.sym = marker;
+  s.axnumht = 2.6f;
+  s.axlabht = 3.0f;
+  return s;
+}
+
+void scaleAll(ss::PlotRecord& p, int axis, int type, int mode, const char* unit, const char* label) {
+  // One limit for every set: the limits of all their values together.
+  std::vector<float> all;
+  for (const auto& s : p.sets) all.insert(all.end(), s.data[static_cast<std::size_t>(axis)].begin(), s.data[static_cast<std::size_t>(axis)].end());
+  ZW_SCALE sc = ss::defaultScale();
+  sc.TYPE = type;
+  sc.MODE = mode;
+  ss::setFixed(sc.UNIT, unit);
+  ss::setAxisLimits(all, sc);
+  for (auto& s : p.sets) {
+    s.scales[static_cast<std::size_t>(axis)] = sc;
+    s.labels[static_cast<std::size_t>(axis)] = label;
+  }
+}
+
+int draw(const ss::PlotRecord& p, const std::string& path, double dpi, ss::drawing::OutputKind kind = ss::drawing::OutputKind::Png) {
+  ss::DrawOptions o;
+  o.kind = kind;
+  o.path = path;
+  o.dpi = dpi;
+  o.user = "A. Geologist";
+  o.date = "2026-11-23";
+  const ss::Status s = ss::drawPlot(p, o);
+  if (!s) std::cerr << s.message() << "\n";
+  else std::cout << path << "\n";
+  return s ? 0 : 1;
+}
+
+ss::PlotRecord porosityPermeability() {
+  ss::PlotRecord p = basePlot("Core plugs: porosity and permeability", 160, 110);
+  p.annotation.texts[0] = {"@user"};
+  p.annotation.texts[2] = {"@date"};
+  Noise n(7);
+  const char* names[] = {"Brent", "Statfjord", "Cook"};
+  for (int f = 0; f < 3; ++f) {
+    ss::PlotSet s = dataSet(names[f], 2 + f, 1 + f);
+    for (int k = 0; k < 250; ++k) {
+      const double phi = 0.04 + 0.25 * n.uniform() * (0.6 + 0.2 * f);
+      s.data[0].push_back(static_cast<float>(phi));
+      s.data[1].push_back(static_cast<float>(std::pow(10.0, -1.5 + 14 * phi + 0.45 * n.normal() + 0.3 * f)));
+    }
+    s.defs.iop[0] = 14;
+    p.sets.push_back(s);
+  }
+  scaleAll(p, 0, ss::kLinear, ss::kAutoRound, "frac", "Porosity");
+  scaleAll(p, 1, ss::kLog, ss::kAutoRound, "mD", "Permeability");
+  // A trend line and a note on the first set.
+  ss::LineElement trend;
+  trend.COLOUR = 1;
+  trend.WIDTH = 0.4f;
+  trend.STYLE = 2;
+  trend.setPoints({0.02f, 0.3f}, {static_cast<float>(std::pow(10.0, -1.5 + 14 * 0.02)), static_cast<float>(std::pow(10.0, -1.5 + 14 * 0.3))});
+  p.sets[0].lines.add(trend);
+  p.legend.fx = 0.3f;
+  p.legend.fy = 0.98f;
+  return p;
+}
+
+ss::PlotRecord depthProfile() {
+  ss::PlotRecord p = basePlot("Gamma ray against depth", 110, 80);
+  ss::PlotSet s = dataSet("GR", 6, 0);
+  s.lin = 1;
+  s.sym = 0;
+  Noise n(3);
+  for (int k = 0; k <= 400; ++k) {
+    const double depth = 2500 + k * 0.5;
+    s.data[0].push_back(static_cast<float>(depth));
+    s.data[1].push_back(static_cast<float>(60 + 40 * std::sin(k / 25.0) + 8 * n.normal()));
+  }
+  ZW_TEXT note = ss::defaultText();
+  note.X = 2560;
+  note.Y = 112;
+  note.HEIGHT = 2.6f;
+  ss::setFixed(note.TEXT, "Shale break");
+  s.texts.add(note);
+  p.sets.push_back(s);
+  scaleAll(p, 0, ss::kLinear, ss::kAuto, "m", "Measured depth");
+  scaleAll(p, 1, ss::kLinear, ss::kAutoRound, "gAPI", "Gamma ray");
+  return p;
+}
+
+ss::PlotRecord cumulativeProbability() {
+  ss::PlotRecord p = basePlot("Net pay: cumulative probability (Norm axis)", 110, 80);
+  ss::PlotSet s = dataSet("Net pay", 7, 1);
+  Noise n(11);
+  std::vector<float> values;
+  for (int k = 0; k < 60; ++k) values.push_back(static_cast<float>(std::exp(2.5 + 0.5 * n.normal())));
+  std::sort(values.begin(), values.end());
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    s.data[0].push_back(static_cast<float>(100.0 * (k + 0.5) / values.size()));
+    s.data[1].push_back(values[k]);
+  }
+  s.lin = 1;
+  s.defs.iop[0] = 12;
+  p.sets.push_back(s);
+  scaleAll(p, 0, ss::kNorm, ss::kManual, "%", "Cumulative probability");
+  for (auto& set : p.sets) set.scales[0].MIN = 1, set.scales[0].MAX = 99;
+  scaleAll(p, 1, ss::kLog, ss::kAutoRound, "m", "Net pay");
+  return p;
+}
+
+ss::PlotRecord monthly() {
+  ss::PlotRecord p = basePlot("Monthly oil rate (date axis)", 110, 80);
+  ss::PlotSet s = dataSet("Oil", 4, 2);
+  s.lin = 1;
+  s.defs.iop[0] = 10;
+  for (int m = 0; m < 20; ++m) {
+    const int year = 2024 + (m + 2) / 12, month = (m + 2) % 12 + 1;
+    s.data[0].push_back(static_cast<float>(ss::dateSeconds(year, month, 15)));
+    s.data[1].push_back(static_cast<float>(1200 * std::exp(-m / 14.0)));
+  }
+  p.sets.push_back(s);
+  scaleAll(p, 0, ss::kLinear, ss::kAuto, "date", "");
+  scaleAll(p, 1, ss::kLinear, ss::kAutoRound, "bbl/d", "Oil rate");
+  return p;
+}
+
+// One small plot per remaining scale type on the x axis.
+ss::PlotRecord typeDemo(int type) {
+  ss::PlotRecord p = basePlot("\"" + ss::scaleTypeName(type) + "\" x axis", 90, 62);
+  ss::PlotSet s = dataSet("values", 3, 1);
+  s.lin = 1;
+  s.defs.iop[0] = 8;
+  for (int k = 1; k <= 40; ++k) {
+    double x = 0;
+    switch (type) {
+      case ss::kSquare: x = k * 2.5; break;
+      case ss::kSqrt: x = k * k * 0.0625; break;
+      case ss::kRecip: x = 1 + k * 0.25; break;
+      case ss::kStan: x = (k - 20.5) / 11.8; break;
+      default: x = -3 + 6.0 * (k - 1) / 39.0; break;  // Prob: standard deviations
+    }
+    s.data[0].push_back(static_cast<float>(x));
+    s.data[1].push_back(static_cast<float>(k));
+  }
+  p.sets.push_back(s);
+  scaleAll(p, 0, type, type == ss::kProb ? ss::kManual : ss::kAuto, "", "x");
+  if (type == ss::kProb)
+    for (auto& set : p.sets) set.scales[0].MIN = -3, set.scales[0].MAX = 3;
+  scaleAll(p, 1, ss::kLinear, ss::kAutoRound, "", "n");
+  return p;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{"Draws the example plots of docs/plots.md"};
+  std::string folder;
+  double dpi = 110;
+  app.add_option("folder", folder, "Where the pictures go")->required();
+  app.add_option("--dpi", dpi, "Dots per inch of the PNG pictures");
+  CLI11_PARSE(app, argc, argv);
+  std::filesystem::create_directories(folder);
+  int failed = 0;
+  const ss::PlotRecord first = porosityPermeability();
+  failed += draw(first, folder + "/porosity-permeability.png", dpi);
+  failed += draw(first, folder + "/porosity-permeability.svg", dpi, ss::drawing::OutputKind::Svg);
+  failed += draw(first, folder + "/porosity-permeability.pdf", dpi, ss::drawing::OutputKind::Pdf);
+  failed += draw(depthProfile(), folder + "/depth-profile.png", dpi);
+  failed += draw(cumulativeProbability(), folder + "/norm-axis.png", dpi);
+  failed += draw(monthly(), folder + "/date-axis.png", dpi);
+  for (int type : {ss::kSquare, ss::kSqrt, ss::kRecip, ss::kStan, ss::kProb})
+    failed += draw(typeDemo(type), folder + "/type-" + ss::lowerCase(ss::scaleTypeName(type).substr(0, 5)) + ".png", dpi);
+  return failed == 0 ? 0 : 1;
+}

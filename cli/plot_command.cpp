@@ -1,0 +1,227 @@
+#include "plot_command.h"
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "cli_support.h"
+#include "host/csv_row.h"
+#include "host/fixed_text.h"
+#include "host/messages.h"
+#include "host/nulls.h"
+#include "plot/axis_scales.h"
+#include "plot/crossplot.h"
+#include "plot/plot_drawing.h"
+#include "plot/plot_file.h"
+
+namespace subsurf::cli {
+namespace {
+
+struct AxisOptions {
+  std::string column, unit, scale = "linear", range;
+  std::optional<float> min, max;
+};
+
+struct PlotOptions {
+  std::string data;  // xy: the CSV file; draw: the plot file
+  AxisOptions x, y;
+  std::string range = "auto-rnd";
+  std::string title;
+  std::vector<std::string> outputs;
+  std::string save;
+  std::string size = "1600x1200";
+  double dpi = 150;
+  bool json = false;
+};
+
+void fail(const std::string& text) { host::showMessage(text); }
+
+// The page size in millimetres from "WIDTHxHEIGHT" pixels at dpi.
+bool pageSize(const PlotOptions& o, double& widthMm, double& heightMm) {
+  int w = 0, h = 0;
+  char x = 0;
+  if (std::sscanf(o.size.c_str(), "%d%c%d", &w, &x, &h) != 3 || (x != 'x' && x != 'X') || w < 16 || h < 16 ||
+      w > 20000 || h > 20000) {
+    fail(fmt::format("--size \"{}\" is not WIDTHxHEIGHT in pixels (16 to 20000 each), such as 1600x1200", o.size));
+    return false;
+  }
+  widthMm = w / o.dpi * 25.4;
+  heightMm = h / o.dpi * 25.4;
+  return true;
+}
+
+// Every output named by a known extension, checked before any work is done.
+bool outputKinds(const PlotOptions& o, std::vector<drawing::OutputKind>& kinds) {
+  for (const std::string& out : o.outputs) {
+    drawing::OutputKind k;
+    if (!drawing::outputKindOf(out, k)) {
+      fail(fmt::format("--out \"{}\": the name must end in .svg, .png or .pdf", out));
+      return false;
+    }
+    kinds.push_back(k);
+  }
+  double w = 0, h = 0;
+  if (!pageSize(o, w, h)) return false;
+  if (kinds.empty() && o.save.empty() && !o.json) {
+    fail("nothing to do: give --out FILE.svg|png|pdf, --save FILE.zpl or --json");
+    return false;
+  }
+  return true;
+}
+
+bool axisRequest(const AxisOptions& a, const std::string& commonRange, const char* which, AxisRequest& r) {
+  r.column = a.column;
+  r.unit = a.unit;
+  r.type = scaleTypeByName(a.scale);
+  if (r.type == 0) {
+    fail(fmt::format("--{}-scale \"{}\" is not one of linear, log, square, sqrt, recip, norm, stan, prob", which, a.scale));
+    return false;
+  }
+  const std::string range = a.range.empty() ? commonRange : a.range;
+  r.mode = rangeModeByName(range);
+  if (r.mode == 0) {
+    fail(fmt::format("--{}range \"{}\" is not one of manual, auto, auto-rnd, p99-p1, p95-p5, p90-p10",
+                     a.range.empty() ? "" : std::string(which) + "-", range));
+    return false;
+  }
+  if (a.min || a.max) r.mode = kManual;  // given limits make a manual window
+  r.min = a.min.value_or(kRealNull);
+  r.max = a.max.value_or(kRealNull);
+  return true;
+}
+
+// A single-precision limit as the short decimal it was (0.3, not 0.30000001192092896); null as null.
+nlohmann::json limitJson(float v) {
+  if (isNull(v) || !std::isfinite(v)) return nullptr;
+  return std::stod(shortestText(v));
+}
+
+nlohmann::json scaleJson(const ZW_SCALE& s) {
+  return {{"type", scaleTypeName(s.TYPE)}, {"range", rangeModeName(s.MODE)}, {"min", limitJson(s.MIN)},
+          {"max", limitJson(s.MAX)}, {"unit", fixedText(s.UNIT)}};
+}
+
+int drawAll(const PlotRecord& plot, const PlotOptions& o, const std::vector<drawing::OutputKind>& kinds, nlohmann::json& report) {
+  double w = 0, h = 0;
+  pageSize(o, w, h);  // checked before the work began
+  for (std::size_t k = 0; k < kinds.size(); ++k) {
+    DrawOptions d;
+    d.kind = kinds[k];
+    d.path = o.outputs[k];
+    d.dpi = o.dpi;
+    d.widthMm = w;
+    d.heightMm = h;
+    if (Status s = drawPlot(plot, d); !s) {
+      fail(s.message());
+      return kExitBadInput;
+    }
+    report["outputs"].push_back(o.outputs[k]);
+  }
+  return kExitOk;
+}
+
+int runXy(const PlotOptions& o) {
+  std::vector<drawing::OutputKind> kinds;
+  if (!outputKinds(o, kinds)) return kExitBadInput;
+  AxisRequest x, y;
+  if (!axisRequest(o.x, o.range, "x", x) || !axisRequest(o.y, o.range, "y", y)) return kExitBadInput;
+  CrossplotData data;
+  if (Status s = readCrossplotData(o.data, x, y, data); !s) {
+    fail(s.message());
+    return kExitBadInput;
+  }
+  const PlotRecord plot =
+      makeCrossplot(data, x, y, o.title, std::filesystem::path(o.data).stem().string());
+  nlohmann::json report;
+  report["file"] = o.data;
+  report["rows"] = data.rows;
+  report["plotted"] = data.x.size();
+  report["left_out"] = {{"empty", data.emptyCells}, {"null", data.nullValues}, {"non_finite", data.nonFinite}};
+  report["x"] = scaleJson(plot.sets[0].scales[0]);
+  report["x"]["column"] = data.xColumn;
+  report["y"] = scaleJson(plot.sets[0].scales[1]);
+  report["y"]["column"] = data.yColumn;
+  report["outputs"] = nlohmann::json::array();
+  if (const long out = data.emptyCells + data.nullValues + data.nonFinite; out > 0 && !o.json)
+    fail(fmt::format("{}: {} of {} rows left out ({} with an empty cell, {} null, {} not finite)", o.data, out,
+                     data.rows, data.emptyCells, data.nullValues, data.nonFinite));
+  if (!o.save.empty()) {
+    if (Status s = writePlotFile(plot, o.save); !s) {
+      fail(s.message());
+      return kExitBadInput;
+    }
+    report["saved"] = o.save;
+  }
+  if (const int rc = drawAll(plot, o, kinds, report); rc != kExitOk) return rc;
+  if (o.json) std::printf("%s\n", report.dump(2).c_str());
+  return kExitOk;
+}
+
+int runDraw(const PlotOptions& o) {
+  std::vector<drawing::OutputKind> kinds;
+  if (!outputKinds(o, kinds)) return kExitBadInput;
+  PlotRecord plot;
+  if (Status s = readPlotFile(o.data, plot); !s) {
+    fail(s.message());
+    return kExitBadInput;
+  }
+  nlohmann::json report;
+  report["file"] = o.data;
+  report["sets"] = nlohmann::json::array();
+  for (const PlotSet& set : plot.sets)
+    report["sets"].push_back({{"name", set.name}, {"points", set.pointCount()},
+                              {"x", scaleJson(set.scales[0])}, {"y", scaleJson(set.scales[1])}});
+  report["outputs"] = nlohmann::json::array();
+  if (const int rc = drawAll(plot, o, kinds, report); rc != kExitOk) return rc;
+  if (o.json) std::printf("%s\n", report.dump(2).c_str());
+  return kExitOk;
+}
+
+void addOutputOptions(CLI::App* cmd, PlotOptions& o) {
+  cmd->add_option("--out", o.outputs, "Draw to FILE.svg, FILE.png or FILE.pdf (may be repeated)");
+  cmd->add_option("--size", o.size, "Picture size in pixels at --dpi (default 1600x1200)");
+  cmd->add_option("--dpi", o.dpi, "Dots per inch: the PNG resolution, and the scale of --size (default 150)")
+      ->check(CLI::Range(10.0, 2400.0));
+  cmd->add_flag("--json", o.json, "Print the axis limits and point counts as JSON");
+}
+
+}  // namespace
+
+void addPlotCommand(CLI::App& app, int& exitCode) {
+  auto o = std::make_shared<PlotOptions>();
+  CLI::App* plot = app.add_subcommand("plot", "Cross-plots from CSV files; plot files");
+  plot->require_subcommand(1);
+
+  CLI::App* xy = plot->add_subcommand("xy", "Cross-plot two columns of a CSV file (header: names, units in brackets)");
+  xy->add_option("data", o->data, "The CSV file")->required();
+  xy->add_option("--x", o->x.column, "Column for the x axis")->required();
+  xy->add_option("--y", o->y.column, "Column for the y axis")->required();
+  xy->add_option("--x-unit", o->x.unit, "Show x in this unit (converted from the column's)");
+  xy->add_option("--y-unit", o->y.unit, "Show y in this unit");
+  xy->add_option("--x-scale", o->x.scale, "linear, log, square, sqrt, recip, norm, stan or prob (default linear)");
+  xy->add_option("--y-scale", o->y.scale, "As --x-scale");
+  xy->add_option("--range", o->range, "How limits are found: manual, auto, auto-rnd (default), p99-p1, p95-p5, p90-p10");
+  xy->add_option("--x-range", o->x.range, "As --range, for x only");
+  xy->add_option("--y-range", o->y.range, "As --range, for y only");
+  xy->add_option("--x-min", o->x.min, "Lower x limit (makes the x range manual)");
+  xy->add_option("--x-max", o->x.max, "Upper x limit");
+  xy->add_option("--y-min", o->y.min, "Lower y limit");
+  xy->add_option("--y-max", o->y.max, "Upper y limit");
+  xy->add_option("--title", o->title, "Title above the plot");
+  xy->add_option("--save", o->save, "Also write the plot file FILE.zpl");
+  addOutputOptions(xy, *o);
+  xy->callback([o, &exitCode] { exitCode = runXy(*o); });
+
+  CLI::App* draw = plot->add_subcommand("draw", "Draw a saved plot file");
+  draw->add_option("plotfile", o->data, "The plot file (.zpl)")->required();
+  addOutputOptions(draw, *o);
+  draw->callback([o, &exitCode] { exitCode = runDraw(*o); });
+}
+
+}  // namespace subsurf::cli
