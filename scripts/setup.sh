@@ -6,7 +6,7 @@ set -euo pipefail
 build_packages=(
   g++ cmake make pkg-config
   libvips-dev libcairo2-dev libjpeg62-turbo-dev
-  libcli11-dev nlohmann-json3-dev libfmt-dev
+  libcli11-dev nlohmann-json3-dev libfmt-dev libcpp-httplib-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 # Only the benchmarks need these: peer tools measured in the same run.
