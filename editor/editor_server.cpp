@@ -14,6 +14,8 @@ using nlohmann::json;
 
 constexpr const char* kLoopback = "127.0.0.1";
 constexpr const char* kJson = "application/json";
+// Where editor.html wants the token written.
+constexpr std::string_view kTokenMark = "__TOKEN__";
 
 void sendError(httplib::Response& res, int status, const std::string& text) {
   res.status = status;
@@ -121,15 +123,20 @@ void EditorServer::routes() {
     }
   });
 
-  auto page = [](const std::string& name) {
-    return [name](const httplib::Request&, httplib::Response& res) {
+  auto page = [this](const std::string& name) {
+    return [this, name](const httplib::Request&, httplib::Response& res) {
       const PageAsset* asset = findPageAsset(name);
       if (!asset) return sendError(res, 404, name + " is not built in");
-      if (name == "editor.html")
+      std::string content(asset->content);
+      if (name == "editor.html") {
+        // The page's own files are asked for with the token too.
+        for (std::size_t at; (at = content.find(kTokenMark)) != std::string::npos;)
+          content.replace(at, kTokenMark.size(), token_);
         res.set_header("Content-Security-Policy",
-                       "default-src 'self'; img-src 'self' blob:; connect-src 'self'; style-src 'self'; "
+                       "default-src 'self'; img-src 'self' blob: data:; connect-src 'self'; style-src 'self'; "
                        "script-src 'self'; frame-ancestors 'none'");
-      res.set_content(asset->content.data(), asset->content.size(), std::string(asset->type).c_str());
+      }
+      res.set_content(content, std::string(asset->type).c_str());
     };
   };
   s.Get("/", page("editor.html"));

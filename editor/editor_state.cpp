@@ -294,6 +294,7 @@ ActionResult EditorState::act(const std::string& action, const json& body) {
     }
   }
   std::string question;
+  bool changed = false;
   if (action == "undo" || action == "redo") {
     auto& from = action == "undo" ? undo_ : redo_;
     auto& to = action == "undo" ? redo_ : undo_;
@@ -316,7 +317,7 @@ ActionResult EditorState::act(const std::string& action, const json& body) {
     if (setView(body)) unsaved_ = true;  // saved with the session, but not an edit to undo
   } else {
     std::unique_ptr<Snapshot> before = snapshot();
-    const bool changed = runEdit(action, body);
+    changed = runEdit(action, body);
     {
       std::lock_guard lock(talk.mutex);
       question = talk.unansweredQuestion;
@@ -334,7 +335,7 @@ ActionResult EditorState::act(const std::string& action, const json& body) {
   }
   ActionResult result;
   std::lock_guard lock(talk.mutex);
-  result.body = {{"state", state()}, {"messages", talk.messages}};
+  result.body = {{"state", state()}, {"messages", talk.messages}, {"changed", changed && question.empty()}};
   if (!question.empty()) result.body["question"] = question;
   return result;
 }
@@ -548,8 +549,11 @@ bool EditorState::setDepths(const json& body) {
   const int place = integerField(body, "image");
   CoreImage* image = place == 0 ? nullptr : &imageAt(body);
   if (!image) {
+    CoreImage* shown = session_.currentImage();
+    CoreRectangle* selected = session_.currentRectangle();
     session_.setCurrent(nullptr, nullptr);
-    session_.carryDepthsForward(nullptr);
+    session_.carryDepthsForward(nullptr);  // "Select a starting image!"
+    session_.setCurrent(shown, selected);  // the photo on show stays on show
     return false;
   }
   const float top = realField(body, "top"), base = realField(body, "base");
@@ -558,6 +562,10 @@ bool EditorState::setDepths(const json& body) {
     host::showMessage("Error - Top depth >= Base Depth!");
     return false;
   }
+  // A run that is not made (the core number question answered no) leaves the
+  // starting image as it was too.
+  const auto realsBefore = image->reals;
+  const auto intsBefore = image->ints;
   const std::string unit = depthUnitOf(image->realSetting(kRealTop));
   setDepth(image->realSetting(kRealTop), top, unit);
   setDepth(image->realSetting(kRealBase), base, unit);
@@ -568,7 +576,10 @@ bool EditorState::setDepths(const json& body) {
   // unset is the first of its run.
   image->realSetting(kRealCoreLength).V = kRealNull;
   session_.selectImageByPlace(place);
-  return session_.carryDepthsForward(nullptr) == 0;
+  if (session_.carryDepthsForward(nullptr) == 0) return true;
+  image->reals = realsBefore;
+  image->ints = intsBefore;
+  return false;
 }
 
 bool EditorState::applyTemplate(const json& body) {

@@ -7,7 +7,8 @@
 // of its own, only the JSON this state hands out after each action.
 //
 // Actions are named and take a JSON body. Each answers with the whole state,
-// the messages the engine showed while doing it, and, when the engine asked a
+// the messages the engine showed while doing it, whether it was an edit
+// (something to undo), and, when the engine asked a
 // yes/no question the body held no answer for, the question: the action is
 // then undone, and the page asks the user and sends the action again with
 // "answers": [true] or [false].
@@ -43,7 +44,7 @@ class BadRequest : public std::runtime_error {
 };
 
 struct ActionResult {
-  nlohmann::json body;  // {"state", "messages", "question"?}
+  nlohmann::json body;  // {"state", "messages", "changed", "question"?}
 };
 
 // Undo keeps this many edits.

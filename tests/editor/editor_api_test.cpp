@@ -286,6 +286,7 @@ TEST_F(EditorApi, TableEditsApplyTheRowCountRule) {
 TEST_F(EditorApi, SetDepthsCarriesForwardAndAsksAboutTheCoreNumber) {
   json reply = post("depths", {{"image", 1}, {"top", 1000.0}, {"base", 1005.0}, {"cores", 5}});
   EXPECT_TRUE(messages(reply).empty());
+  EXPECT_EQ(reply["changed"], true);
   const json& images = reply["state"]["images"];
   EXPECT_EQ(images[1]["Top"], 1005.0);
   EXPECT_EQ(images[2]["Base"], 1015.0);
@@ -295,9 +296,12 @@ TEST_F(EditorApi, SetDepthsCarriesForwardAndAsksAboutTheCoreNumber) {
   reply = post("depths", {{"image", 2}, {"top", 2000.0}, {"base", 2004.0}, {"cores", 0}});
   EXPECT_EQ(reply["question"], "#Cores not set, use 5?");
   EXPECT_EQ(reply["state"]["images"][1]["Top"], 1005.0) << "nothing changed while asking";
+  EXPECT_EQ(reply["changed"], false);
   reply = post("depths", {{"image", 2}, {"top", 2000.0}, {"base", 2004.0}, {"cores", 0}, {"answers", {false}}});
   EXPECT_FALSE(reply.contains("question"));
   EXPECT_EQ(reply["state"]["images"][2]["Top"], 1010.0) << "answered no: not carried forward";
+  EXPECT_EQ(reply["state"]["images"][1]["Top"], 1005.0) << "nor the starting image changed";
+  EXPECT_EQ(reply["state"]["canUndo"], true) << "only the first run is an edit";
   reply = post("depths", {{"image", 2}, {"top", 2000.0}, {"base", 2004.0}, {"cores", 0}, {"answers", {true}}});
   EXPECT_EQ(reply["state"]["images"][1]["Core Number"], 5);
   EXPECT_EQ(reply["state"]["images"][2]["Top"], 2004.0);
@@ -305,6 +309,7 @@ TEST_F(EditorApi, SetDepthsCarriesForwardAndAsksAboutTheCoreNumber) {
 
   reply = post("depths", {{"image", 0}, {"top", 1.0}, {"base", 2.0}});
   EXPECT_EQ(messages(reply), std::vector<std::string>{"Select a starting image!"});
+  EXPECT_EQ(reply["state"]["current"]["image"], 2) << "the photo on show stays selected";
   reply = post("depths", {{"image", 1}, {"top", 1005.0}, {"base", 1005.0}, {"cores", 5}});
   EXPECT_EQ(messages(reply), std::vector<std::string>{"Error - Top depth >= Base Depth!"});
 }
