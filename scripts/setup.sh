@@ -12,7 +12,10 @@ build_packages=(
 # Only the benchmarks need these: peer tools measured in the same run.
 bench_packages=(hyperfine imagemagick libjpeg-turbo-progs libvips-tools python3-numpy time)
 
-wanted=("${build_packages[@]}")
+# The browser tests of the editor page (slabber edit) drive headless Chromium.
+test_packages=(chromium chromium-driver python3-selenium)
+
+wanted=("${build_packages[@]}" "${test_packages[@]}")
 if [ "${1:-}" = "--bench" ]; then wanted+=("${bench_packages[@]}"); fi
 
 missing=()
