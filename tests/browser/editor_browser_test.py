@@ -333,7 +333,7 @@ def main():
     try:
         import selenium  # noqa: F401
     except ImportError as e:
-        print(f"SKIP: Selenium is not installed ({e}); scripts/setup.sh --browser installs it")
+        print(f"SKIP: Selenium is not installed ({e}); scripts/setup.sh installs it")
         return SKIP
     try:
         start_browser().quit()
