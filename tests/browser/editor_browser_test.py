@@ -215,6 +215,7 @@ class EditorPage(unittest.TestCase):
         # Remove the last row, then draw it again a little higher.
         self.browser.find_elements(By.CSS_SELECTOR, "#rows tbody tr")[4].find_element(By.CSS_SELECTOR, "button[title='Delete this row']").click()
         self.wait_for(lambda: len(self.editor.state()["images"][2]["rows"]) == 4, "row 5 deleted")
+        self.wait_for(lambda: len(self.browser.find_elements(By.CSS_SELECTOR, "#rows tbody tr")) == 4, "the page without row 5")
         self.drag_on_photo((130, 1290), (2240, 1500))
         self.wait_for(lambda: len(self.editor.state()["images"][2]["rows"]) == 5, "a fifth row drawn")
         corners = self.editor.state()["images"][2]["rows"][4]["corners"]
@@ -231,6 +232,7 @@ class EditorPage(unittest.TestCase):
         before = self.editor.state()["images"][0]["rows"][0]["corners"]
         self.assertEqual(before, [[119, 347], [2251, 347], [2251, 516], [119, 516]])
         self.drag_on_photo((2251, 516), (2150, 560))
+        self.wait_for(lambda: self.by_id("save-state").text == "● Unsaved changes", "the page shows the edit")
         self.wait_for(lambda: self.editor.state()["images"][0]["rows"][0]["corners"] != before, "the corner moved")
         (x1, y1), (x2, y2), (x3, y3), (x4, y4) = self.editor.state()["images"][0]["rows"][0]["corners"]
         self.assertEqual((x1, y1), (119, 347), "the opposite corner stays")
@@ -239,9 +241,12 @@ class EditorPage(unittest.TestCase):
         self.assertEqual((x2, y2), (x3, 347), "corner 2 took the new x")
         self.assertEqual((x4, y4), (119, y3), "corner 4 took the new y")
         # Undo puts it back; redo again.
+        # The page may draw the program's answer a little after the program holds it.
+        self.wait_for(lambda: self.by_id("undo").is_enabled(), "Undo offered")
         self.by_id("undo").click()
         self.wait_for(lambda: self.editor.state()["images"][0]["rows"][0]["corners"] == before, "undone")
-        self.assertEqual(self.by_id("save-state").text, "All changes saved")
+        self.wait_for(lambda: self.by_id("save-state").text == "All changes saved", "nothing unsaved")
+        self.wait_for(lambda: self.by_id("redo").is_enabled(), "Redo offered")
         self.by_id("redo").click()
         self.wait_for(lambda: self.editor.state()["images"][0]["rows"][0]["corners"] != before, "redone")
         self.screenshot("corner")
@@ -286,7 +291,7 @@ class EditorPage(unittest.TestCase):
 
     def test_save_writes_what_the_engine_writes(self):
         self.drag_on_photo((2251, 516), (2100, 540))
-        self.wait_for(lambda: self.editor.state()["unsaved"], "an edit")
+        self.wait_for(lambda: self.by_id("save-state").text == "● Unsaved changes", "an edit")
         self.set_depths(1, 500, 505, 5)
         self.wait_for(lambda: self.cell_value(3, "Top") == "510.00", "depths carried")
         with open(self.session) as f:
