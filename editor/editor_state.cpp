@@ -134,7 +134,10 @@ EditorState::EditorState() {
   host::setHostCallbacks(cb);
 }
 
-EditorState::~EditorState() { split_.wait(); }
+EditorState::~EditorState() {
+  split_.wait();
+  host::resetHostCallbacks();
+}
 
 Status EditorState::open(const std::string& sessionPath) {
   {

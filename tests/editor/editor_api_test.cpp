@@ -333,6 +333,12 @@ TEST_F(EditorApi, TemplatesSavedAndApplied) {
   EXPECT_EQ(corners(reply["state"], 3, 2), corners(reply["state"], 1, 2));
   reply = post("template-apply", {{"image", 3}, {"name", "none"}});
   EXPECT_EQ(messages(reply), std::vector<std::string>{"Could not open template file!"});
+  // A name is never a way out of the template library.
+  reply = post("template-apply", {{"image", 3}, {"name", "../../sample"}});
+  ASSERT_EQ(messages(reply).size(), 1u);
+  EXPECT_EQ(messages(reply)[0], templateNameProblem("../../sample"));
+  EXPECT_FALSE(messages(reply)[0].empty());
+  EXPECT_EQ(reply["changed"], false);
 }
 
 TEST_F(EditorApi, UndoAndRedoWalkTheEdits) {
