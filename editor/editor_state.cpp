@@ -320,7 +320,12 @@ ActionResult EditorState::act(const std::string& action, const json& body) {
     if (setView(body)) unsaved_ = true;  // saved with the session, but not an edit to undo
   } else {
     std::unique_ptr<Snapshot> before = snapshot();
-    changed = runEdit(action, body);
+    try {
+      changed = runEdit(action, body);
+    } catch (const BadRequest&) {
+      restore(*before);  // a refused request leaves nothing half done
+      throw;
+    }
     {
       std::lock_guard lock(talk.mutex);
       question = talk.unansweredQuestion;
@@ -631,15 +636,16 @@ bool EditorState::setView(const json& body) {
   CoreImage& image = imageAt(body);
   const int v = integerField(body, "view");
   if (v < 1 || v > kViewCount) throw BadRequest(fmt::format("\"view\" is 1 to {}", kViewCount));
-  ViewRecord& r = image.views[v - 1];
-  r.x1 = integerField(body, "x1");
-  r.x2 = integerField(body, "x2");
-  r.y1 = integerField(body, "y1");
-  r.y2 = integerField(body, "y2");
-  if (!(r.x1 < r.x2) || !(r.y1 < r.y2)) throw BadRequest("a view shows x1 < x2 and y1 < y2");
-  r.windowWidth = integerField(body, "windowWidth", -1);
-  r.windowHeight = integerField(body, "windowHeight", -1);
-  r.inUse = 1;
+  ViewRecord next = image.views[v - 1];
+  next.x1 = integerField(body, "x1");
+  next.x2 = integerField(body, "x2");
+  next.y1 = integerField(body, "y1");
+  next.y2 = integerField(body, "y2");
+  if (!(next.x1 < next.x2) || !(next.y1 < next.y2)) throw BadRequest("a view shows x1 < x2 and y1 < y2");
+  next.windowWidth = integerField(body, "windowWidth", -1);
+  next.windowHeight = integerField(body, "windowHeight", -1);
+  next.inUse = 1;
+  image.views[v - 1] = next;
   image.viewShown = v;
   return true;
 }

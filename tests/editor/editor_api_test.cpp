@@ -433,3 +433,28 @@ TEST_F(EditorApi, SplitRunsAndReportsItsProgress) {
 
 }  // namespace
 }  // namespace subsurf::editor
+
+namespace subsurf::editor {
+namespace {
+
+TEST_F(EditorApi, SelectingAndViewingAreNotEdits) {
+  json reply = post("select", {{"image", 2}, {"rectangle", 3}});
+  EXPECT_EQ(reply["state"]["current"], json({{"image", 2}, {"rectangle", 3}}));
+  EXPECT_EQ(reply["changed"], false);
+  reply = post("select", {{"image", 3}});
+  EXPECT_EQ(reply["state"]["current"], json({{"image", 3}, {"rectangle", 0}}));
+
+  // Zoom and pan are saved with the session (so unsaved), but are no edit to undo.
+  reply = post("view", {{"image", 3}, {"view", 1}, {"x1", 10}, {"x2", 810}, {"y1", 20}, {"y2", 620},
+                        {"windowWidth", 800}, {"windowHeight", 600}});
+  EXPECT_EQ(reply["state"]["unsaved"], true);
+  EXPECT_EQ(reply["state"]["canUndo"], false);
+  EXPECT_EQ(reply["state"]["images"][2]["View"], 1);
+  EXPECT_EQ(reply["state"]["images"][2]["views"], json::parse(R"([{"view":1,"x1":10,"x2":810,"y1":20,"y2":620}])"));
+  EXPECT_EQ(post("view", {{"image", 3}, {"view", 1}, {"x1", 10}, {"x2", 10}, {"y1", 20}, {"y2", 620}}, 400)["error"],
+            "a view shows x1 < x2 and y1 < y2");
+  EXPECT_EQ(state()["images"][2]["views"][0]["x2"], 810) << "a refused view changes nothing";
+}
+
+}  // namespace
+}  // namespace subsurf::editor
