@@ -548,7 +548,10 @@ $("save").onclick = () => call("save");
 $("zoom-in").onclick = () => zoomAt(1.25, viewWidth() / 2, viewHeight() / 2);
 $("zoom-out").onclick = () => zoomAt(0.8, viewWidth() / 2, viewHeight() / 2);
 $("zoom-fit").onclick = () => { const image = current(); if (image) { view = fitView(image); viewChanged(); } };
-$("copy-rows").onclick = () => { const image = current(); if (image) call("copy", { image: image.place, count: 1 }); };
+$("copy-rows").onclick = () => {
+  const image = current();
+  if (image) call("copy", { image: image.place, count: Number($("copy-count").value) });
+};
 $("template-apply").onclick = () => {
   const image = current();
   if (image && $("template-name").value) call("template-apply", { image: image.place, name: $("template-name").value });

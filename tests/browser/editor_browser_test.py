@@ -321,6 +321,16 @@ class EditorPage(unittest.TestCase):
                          ["TRAY_1234_5-1239_5.jpg", "TRAY_1239_5-1244_5.jpg", "TRAY_1244_5-1249_5.jpg", "sample.slbs"])
         self.screenshot("saved")
 
+    def test_rows_copied_to_all_following_photos(self):
+        from selenium.webdriver.support.ui import Select
+        self.drag_on_photo((2251, 516), (2000, 530))
+        self.wait_for(lambda: self.by_id("save-state").text == "● Unsaved changes", "an edit")
+        Select(self.by_id("copy-count")).select_by_value("0")
+        self.by_id("copy-rows").click()
+        self.wait_for(lambda: self.editor.state()["images"][2]["rows"][0]["corners"][2][0] == 2000, "rows on photo 3")
+        rows = [image["rows"] for image in self.editor.state()["images"]]
+        self.assertEqual([r["corners"] for r in rows[1]], [r["corners"] for r in rows[0]])
+
     def test_split_shows_progress_and_summary(self):
         self.by_id("split").click()
         self.wait_for(lambda: "15 of 15 rows written from 3 photos" in self.by_id("split-text").text, "the summary", 60)
