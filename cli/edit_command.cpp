@@ -3,7 +3,9 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -57,12 +59,16 @@ int runEdit(const EditOptions& o) {
   std::fflush(stdout);
   if (o.open) openInBrowser(server->address());
 
-  std::thread waiter([&server, stopSignals] {
+  std::atomic<bool> interrupted{false};
+  std::thread waiter([&server, &interrupted, stopSignals] {
     int signal = 0;
     sigwait(&stopSignals, &signal);
+    interrupted = true;
     server->stop();
   });
   server->run();
+  // The server may also stop on its own (a failed accept): wake the waiter.
+  if (!interrupted) kill(getpid(), SIGTERM);
   waiter.join();
   if (server->unsaved()) {
     std::fprintf(stderr, "slabber: the editor stopped with unsaved changes to %s\n", o.session.c_str());
