@@ -4,6 +4,8 @@
 #include "cli_support.h"
 #include "subsurf/units.h"
 
+#include "edit_command.h"
+#include "rows_command.h"
 #include "session_command.h"
 #include "split_command.h"
 
@@ -17,5 +19,7 @@ int main(int argc, char** argv) {
   int exitCode = subsurf::cli::kExitOk;
   subsurf::cli::addSessionCommands(app, exitCode);
   subsurf::cli::addSplitCommands(app, exitCode);
+  subsurf::cli::addRowsCommand(app, exitCode);
+  subsurf::cli::addEditCommand(app, exitCode);
   return subsurf::cli::runApp(app, argc, argv, exitCode);
 }

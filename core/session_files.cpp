@@ -13,6 +13,7 @@
 #include <fmt/format.h>
 
 #include "core/image_settings.h"
+#include "core/session_copy.h"
 #include "core/split_process.h"
 #include "host/fixed_text.h"
 #include "host/keyword_file.h"
@@ -576,21 +577,7 @@ class SessionParser {
 // The target keeps its identity (windows and the image table refer to it);
 // its images get ids from 1 in file order as new images always do.
 void adoptImages(CoreSession& staging, CoreSession& target) {
-  target.close();
-  for (CoreImage* from : staging.images()) {
-    CoreImage* to = target.newImage();
-    to->files = from->files;
-    to->texts = from->texts;
-    to->views = from->views;
-    to->ints = from->ints;
-    to->reals = from->reals;
-    to->coreLengthCopy = from->coreLengthCopy;
-    to->trayLengthCopy = from->trayLengthCopy;
-    to->angle = from->angle;
-    to->displayReduction = from->displayReduction;
-    to->viewShown = from->viewShown;
-    for (CoreRectangle* r : CoreSession::rectangles(*from)) target.newRectangle(*to)->polygon = r->polygon;
-  }
+  copyImages(staging, target);
   CoreImage* first = target.imageAt(1);
   target.setCurrent(first, first ? first->rectangles : nullptr);
   if (Dataset* table = target.imageTableOf()) target.refreshImageTable(table);

@@ -6,7 +6,7 @@ set -euo pipefail
 build_packages=(
   g++ cmake make pkg-config
   libvips-dev libcairo2-dev libjpeg62-turbo-dev
-  libcli11-dev nlohmann-json3-dev libfmt-dev
+  libcli11-dev nlohmann-json3-dev libfmt-dev libcpp-httplib-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
 # Only the benchmarks need these: peer tools measured in the same run.
@@ -14,7 +14,10 @@ bench_packages=(hyperfine imagemagick libjpeg-turbo-progs libvips-tools python3-
 build_packages+=(libpng-dev)            # PNG pages of plots, written directly
 bench_packages+=(python3-matplotlib)    # the peer of the plot benchmark
 
-wanted=("${build_packages[@]}")
+# The browser tests of the editor page (slabber edit) drive headless Chromium.
+test_packages=(chromium chromium-driver python3-selenium)
+
+wanted=("${build_packages[@]}" "${test_packages[@]}")
 if [ "${1:-}" = "--bench" ]; then wanted+=("${bench_packages[@]}"); fi
 
 missing=()

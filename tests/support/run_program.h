@@ -21,6 +21,17 @@ inline std::string builtProgram(const std::string& name) {
   return std::string(dir && *dir ? dir : SUBSURF_CLI_DIR) + "/" + name;
 }
 
+// A word quoted for the shell, whatever characters it holds.
+inline std::string shellQuoted(const std::string& s) {
+  std::string q(1, '\'');
+  for (char c : s) {
+    if (c == '\'') q.append("'\\''");
+    else q.push_back(c);
+  }
+  q.push_back('\'');
+  return q;
+}
+
 // Runs a shell command line with no standard input, capturing both outputs.
 inline CommandRun runCommand(const std::string& commandLine) {
   TempDir scratch;
