@@ -47,7 +47,15 @@ class KeywordFileWriter {
   AtomicFile file_;
 };
 
-// Reads every line of a text file (without line breaks).
+// Limits on the text files the programs read (sessions, templates, settings,
+// definitions): a line longer than kMaxTextLineBytes or a file larger than
+// kMaxTextFileBytes is refused with a message naming the file (and line).
+inline constexpr std::size_t kMaxTextLineBytes = std::size_t{1} << 20;   // 1 MiB
+inline constexpr std::size_t kMaxTextFileBytes = std::size_t{64} << 20;  // 64 MiB
+inline constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
+
+// Reads every line of a text file (without line breaks, and without the
+// byte-order mark an editor may put first), within the limits above.
 Status readLines(const std::string& path, std::vector<std::string>& lines);
 
 }  // namespace subsurf
