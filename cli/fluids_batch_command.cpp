@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -55,6 +56,7 @@ void splitCsv(std::string_view line, std::vector<std::string_view>& cells,
 struct Column {
   Entry entry;
   EntryUnit unit;
+  std::size_t column = 0;  // in the header, from 1
 };
 
 std::string headerOf(const FluidTable& table, Entry e) {
@@ -93,7 +95,15 @@ std::optional<std::vector<Column>> readHeader(const std::vector<std::string_view
       bad = true;
       continue;
     }
-    columns.push_back({*entry, *u});
+    const auto same = std::find_if(columns.begin(), columns.end(),
+                                   [&](const Column& c) { return c.entry == *entry; });
+    if (same != columns.end()) {
+      std::cerr << fmt::format("subsurf fluids: {} columns {} (\"{}\") and {} (\"{}\") both give \"{}\"\n", inPath,
+                               same->column, cells[same->column - 1], col, cell, fluids::entryInfo(*entry).name);
+      bad = true;
+      continue;
+    }
+    columns.push_back({*entry, *u, col});
   }
   if (bad) return std::nullopt;
   return columns;
@@ -129,8 +139,9 @@ void appendRows(const fluids::FluidBatch& batch, const std::vector<bool>& valid,
     } else {
       for (const fluids::EntryInfo& info : fluids::allEntries()) {
         if (info.entry != Entry::Dres) text += ',';
+        // A result past the range of a float is no result: an empty cell.
         const float v = batch.values(info.entry)[k];
-        if (!isNull(v)) appendGeneralFloat(text, v);
+        if (!isNull(v) && std::isfinite(v)) appendGeneralFloat(text, v);
       }
     }
     text += '\n';
