@@ -7,6 +7,11 @@
 // stays whole until then. Images can be cut again from their photographs, so
 // they are not pushed to disk one by one, and as their writers seek, only a
 // regular file (or a new one) may be the target.
+//
+// An image replaces only an image: a file already at the target whose first
+// bytes are not those of the format its suffix names (a spreadsheet saved as
+// "row.bmp", a photograph's only copy under a row's name) is left alone and
+// open() fails.
 #pragma once
 
 #include <string>
@@ -19,7 +24,15 @@ class AtomicOutput : public SafeFile {
  public:
   explicit AtomicOutput(std::string target)
       : SafeFile(std::move(target), Durability::Unflushed, SpecialTargets::Refuse) {}
+
+  // Checks what is at the target, then creates the temporary file. The
+  // reason on failure names no file.
+  Status open();
 };
+
+// Fails when path holds a non-empty file that is not an image of the format
+// its suffix names. A missing file, or a name without an image suffix, passes.
+Status checkImageReplaceable(const std::string& path);
 
 // Reason text for an errno value, e.g. "Permission denied".
 std::string errnoText(int error);

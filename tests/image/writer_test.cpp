@@ -109,12 +109,32 @@ TEST_F(WriterTest, ViewsIntoWiderPicturesAreWrittenRowByRow) {
   }
 }
 
-TEST_F(WriterTest, AnExistingFileIsReplacedWholeAndNothingElseIsLeft) {
+TEST_F(WriterTest, AnExistingImageIsReplacedWholeAndNothingElseIsLeft) {
   const std::string out = dir.file("row.bmp");
-  writeBytes(out, {'o', 'l', 'd'});
+  ASSERT_TRUE(cutToFile(photo, {{0, 0, 12, 12}}, out, ImageFormat::Bmp));
   ASSERT_TRUE(cutToFile(photo, {{0, 0, 10, 10}}, out, ImageFormat::Bmp));
   EXPECT_EQ(readBack(out, ImageFormat::Bmp).width(), 10);
   EXPECT_EQ(dir.entries(), (std::vector<std::string>{"row.bmp", "tray.png"}));
+}
+
+TEST_F(WriterTest, AFileThatIsNotAnImageOfTheKindIsLeftAlone) {
+  for (ImageFormat f : {ImageFormat::Bmp, ImageFormat::Cgm, ImageFormat::Png, ImageFormat::Jpeg, ImageFormat::Tiff}) {
+    const std::string suffix(formatSuffix(f));
+    SCOPED_TRACE(suffix);
+    const std::string out = dir.file("notes" + suffix);
+    writeBytes(out, {'o', 'l', 'd'});
+    Status s = cutToFile(photo, {{0, 0, 10, 10}}, out, f);
+    ASSERT_FALSE(s);
+    EXPECT_NE(s.message().find("(a file that is not a " + suffix.substr(1) +
+                               " image is already there; it is left as it is)"),
+              std::string::npos)
+        << s.message();
+    EXPECT_EQ(readAll(out), "old");
+    // Once it is one of ours, it is replaced as any row image is.
+    fs::remove(out);
+    ASSERT_TRUE(cutToFile(photo, {{0, 0, 12, 12}}, out, f));
+    EXPECT_TRUE(cutToFile(photo, {{0, 0, 10, 10}}, out, f));
+  }
 }
 
 TEST_F(WriterTest, MissingFolderFailsWithTheBitmapMessages) {
