@@ -9,10 +9,12 @@ build_packages=(
   libcli11-dev nlohmann-json3-dev libfmt-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
+# The tests use ImageMagick as an independent reader of the bitmaps we write.
+test_packages=(imagemagick)
 # Only the benchmarks need these: peer tools measured in the same run.
 bench_packages=(hyperfine imagemagick libjpeg-turbo-progs libvips-tools python3-numpy time)
 
-wanted=("${build_packages[@]}")
+wanted=("${build_packages[@]}" "${test_packages[@]}")
 if [ "${1:-}" = "--bench" ]; then wanted+=("${bench_packages[@]}"); fi
 
 missing=()
