@@ -127,40 +127,47 @@ void failNextRenamesForTesting(int count, int error) {
 Status resolveWriteTarget(const std::string& target, SpecialTargets special, WriteTarget& out) {
   out = WriteTarget{};
   if (target.empty()) return Status::error("no file name given");
+  // What the name finally refers to, every link followed (including the
+  // kernel's own, such as /dev/stdout, whose text is no path).
+  struct stat st {};
+  if (::stat(target.c_str(), &st) == 0) {
+    out.mode = st.st_mode & 07777;
+    out.owner = st.st_uid;
+    out.group = st.st_gid;
+    if (S_ISFIFO(st.st_mode) || S_ISCHR(st.st_mode)) {
+      if (special == SpecialTargets::Refuse) return Status::error("not a regular file; it is left as it is");
+      out.path = target;
+      out.kind = WriteTarget::Kind::Special;
+      return Status::ok();
+    }
+    if (S_ISDIR(st.st_mode)) return Status::error("it is a folder");
+    if (!S_ISREG(st.st_mode)) return Status::error("not a regular file; it is left as it is");
+  } else if (errno != ENOENT) {
+    return Status::error(reason(errno));
+  }
+
+  // A regular file, or none yet: the new file is put in place of the last
+  // link's target, in that file's own folder, so the links stay.
   std::string path = target;
   for (int hop = 0;; ++hop) {
-    struct stat st {};
-    if (::lstat(path.c_str(), &st) != 0) {
+    struct stat link {};
+    if (::lstat(path.c_str(), &link) != 0) {
       if (errno != ENOENT) return Status::error(reason(errno));
       out.path = path;
       out.kind = WriteTarget::Kind::Missing;
       return Status::ok();
     }
-    if (S_ISLNK(st.st_mode)) {
-      if (hop >= kMaxLinkHops) return Status::error(reason(ELOOP));
-      std::string link(static_cast<std::size_t>(st.st_size > 0 ? st.st_size : 4095) + 1, '\0');
-      const ssize_t n = ::readlink(path.c_str(), link.data(), link.size());
-      if (n < 0) return Status::error(reason(errno));
-      link.resize(static_cast<std::size_t>(n));
-      path = link.starts_with('/') || path.find('/') == std::string::npos ? link : folderOf(path) + "/" + link;
-      continue;
-    }
-    out.path = path;
-    out.mode = st.st_mode & 07777;
-    out.owner = st.st_uid;
-    out.group = st.st_gid;
-    if (S_ISREG(st.st_mode)) {
-      out.kind = WriteTarget::Kind::Regular;
-      return Status::ok();
-    }
-    if (S_ISFIFO(st.st_mode) || S_ISCHR(st.st_mode)) {
-      if (special == SpecialTargets::Refuse) return Status::error("not a regular file; it is left as it is");
-      out.kind = WriteTarget::Kind::Special;
-      return Status::ok();
-    }
-    if (S_ISDIR(st.st_mode)) return Status::error("it is a folder");
-    return Status::error("not a regular file; it is left as it is");
+    if (!S_ISLNK(link.st_mode)) break;
+    if (hop >= kMaxLinkHops) return Status::error(reason(ELOOP));
+    std::string text(static_cast<std::size_t>(link.st_size > 0 ? link.st_size : 4095) + 1, '\0');
+    const ssize_t n = ::readlink(path.c_str(), text.data(), text.size());
+    if (n < 0) return Status::error(reason(errno));
+    text.resize(static_cast<std::size_t>(n));
+    path = text.starts_with('/') || path.find('/') == std::string::npos ? text : folderOf(path) + "/" + text;
   }
+  out.path = path;
+  out.kind = WriteTarget::Kind::Regular;
+  return Status::ok();
 }
 
 SafeFile::SafeFile(std::string target, Durability durability, SpecialTargets special)
