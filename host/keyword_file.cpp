@@ -40,7 +40,9 @@ Status readLines(const std::string& path, std::vector<std::string>& lines) {
     while (!chunk.empty()) {
       const std::size_t end = chunk.find('\n');
       line.append(chunk.substr(0, end));
-      if (line.size() > kMaxTextLineBytes) {
+      // The carriage return of a Windows line ending is not part of the line.
+      const bool returnLast = !line.empty() && line.back() == '\r';
+      if (line.size() - (returnLast ? 1 : 0) > kMaxTextLineBytes) {
         const std::size_t number = lines.size() + 1;
         lines.clear();
         return Status::error(
