@@ -70,7 +70,16 @@ inline Ending runAndKill(const std::vector<std::string>& argv, std::chrono::micr
     ::execv(args[0], args.data());
     ::_exit(127);
   }
-  std::this_thread::sleep_for(delay);
+  const auto deadline = std::chrono::steady_clock::now() + delay;
+  int raw = 0;
+  while (std::chrono::steady_clock::now() < deadline) {
+    if (::waitpid(pid, &raw, WNOHANG) == pid) {  // finished first
+      Ending e;
+      e.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+      return e;
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(200));
+  }
   ::kill(pid, SIGKILL);
   return waitFor(pid);
 }
