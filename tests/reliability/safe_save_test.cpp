@@ -136,7 +136,7 @@ TEST(SafeSave, APipeIsWrittenThroughAndNeverReplaced) {
   EXPECT_EQ(s.message(), "Cannot write " + fifo + ": no program is reading from that pipe");
   auto reader = std::async(std::launch::async, [&] { return TempDir::read(fifo); });
   // The reader may not have opened its end yet: try until it has.
-  for (int i = 0; i < 200 && !(s = saveText(fifo, "through the pipe\n")); ++i)
+  for (int i = 0; i < 2000 && !(s = saveText(fifo, "through the pipe\n")); ++i)
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   ASSERT_TRUE(s) << s.message();
   EXPECT_EQ(reader.get(), "through the pipe\n");
