@@ -14,6 +14,7 @@
 #include "host/atomic_file.h"
 #include "host/csv_row.h"
 #include "host/fixed_text.h"
+#include "host/keyword_file.h"
 #include "host/nulls.h"
 #include "host/number_text.h"
 
@@ -175,7 +176,15 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
   std::vector<std::string> unquoted;
   std::size_t row = 0;
   std::optional<std::vector<Column>> header;
-  while (!header && std::getline(in, line)) {
+  bool tooLong = false;
+  // A line beyond the limit (a file of no lines at all, such as /dev/zero)
+  // ends the reading with a message instead of filling the memory.
+  auto lineTooLong = [&] {
+    std::cerr << fmt::format("subsurf fluids: {} row {}: longer than {} bytes, not read\n", inPath, row + 1,
+                             kMaxTextLineBytes);
+    return kExitBadInput;
+  };
+  while (!header && readBoundedLine(in, line, tooLong)) {
     ++row;
     // Spreadsheets saving "CSV UTF-8" put a byte-order mark before the header.
     if (row == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
@@ -184,6 +193,7 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
     header = readHeader(cells, inPath, prototype);
     if (!header) return kExitBadInput;
   }
+  if (tooLong) return lineTooLong();
   if (!header) {
     std::cerr << fmt::format("subsurf fluids: \"{}\" has no header row\n", inPath);
     return kExitBadInput;
@@ -213,7 +223,7 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
     batch.resize(kChunkCases);
     valid.assign(kChunkCases, true);
     std::size_t k = 0;
-    while (k < kChunkCases && (more = static_cast<bool>(std::getline(in, line)))) {
+    while (k < kChunkCases && (more = readBoundedLine(in, line, tooLong))) {
       ++row;
       if (trimmedBlanks(line).empty()) continue;
       splitCsv(line, cells, unquoted);
@@ -243,6 +253,7 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
     out.write(text);
     text.clear();
   }
+  if (tooLong) return lineTooLong();
   if (in.bad()) {
     std::cerr << fmt::format("subsurf fluids: cannot read \"{}\" to the end\n", inPath);
     return kExitBadInput;

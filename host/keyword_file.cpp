@@ -61,6 +61,32 @@ Status readLines(const std::string& path, std::vector<std::string>& lines) {
   return Status::ok();
 }
 
+bool readBoundedLine(std::istream& in, std::string& line, bool& tooLong) {
+  tooLong = false;
+  line.clear();
+  // Room for the longest line allowed and the carriage return of a Windows
+  // line end; istream::getline stops there instead of growing a string.
+  constexpr std::streamsize kRoom = static_cast<std::streamsize>(kMaxTextLineBytes) + 2;
+  thread_local std::unique_ptr<char[]> buffer(new char[kRoom]);
+  in.getline(buffer.get(), kRoom);
+  const std::streamsize got = in.gcount();
+  const bool tookLineBreak = !in.fail() && !in.eof();
+  if (in.fail() && !in.eof()) {  // no room left before a line break
+    tooLong = got > 0;
+    return false;
+  }
+  if (got == 0) return false;  // the end of the stream
+  line.assign(buffer.get(), static_cast<std::size_t>(tookLineBreak ? got - 1 : got));
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  if (line.size() > kMaxTextLineBytes) {
+    tooLong = true;
+    in.setstate(std::ios::failbit);
+    return false;
+  }
+  if (in.fail()) in.clear(std::ios::eofbit);  // a last line without a line break
+  return true;
+}
+
 Status KeywordFileReader::open(const std::string& path) {
   path_ = path;
   nextLine_ = 0;

@@ -3,6 +3,7 @@
 // exit status. And the smaller faults: byte-order marks, overflowing
 // correlations, a column given twice.
 #include <climits>
+#include <sstream>
 
 #include "host/fixed_text.h"
 #include "host/number_text.h"
@@ -66,6 +67,28 @@ TEST(TextLimits, LinesAndFilesBeyondTheLimitsAreRefusedNamingTheFile) {
   for (std::size_t i = 0; i * 1000 <= kMaxTextFileBytes; ++i) big += std::string(999, 'y') + "\n";
   const std::string huge = dir.write("huge.txt", big);
   EXPECT_EQ(subsurf::readLines(huge, lines).message(), huge + ": larger than 67108864 bytes, not read");
+}
+
+TEST(TextLimits, LinesReadOneAtATimeStopAtTheLimit) {
+  const std::string limit(kMaxTextLineBytes, 'x');
+  std::istringstream in("a\r\n\n" + limit + "\r\n" + limit + "\nlast");
+  std::string line;
+  bool tooLong = true;
+  std::vector<std::string> lines;
+  while (readBoundedLine(in, line, tooLong)) lines.push_back(line);
+  EXPECT_FALSE(tooLong);
+  ASSERT_EQ(lines.size(), 5u);
+  EXPECT_EQ(lines[0], "a");
+  EXPECT_EQ(lines[1], "");
+  EXPECT_EQ(lines[2], limit);
+  EXPECT_EQ(lines[3], limit);
+  EXPECT_EQ(lines[4], "last");
+  for (const std::string& text : {limit + "y\nnext", limit + "yz", limit + "\ry\n"}) {
+    std::istringstream over("ok\n" + text);
+    ASSERT_TRUE(readBoundedLine(over, line, tooLong));
+    EXPECT_FALSE(readBoundedLine(over, line, tooLong));
+    EXPECT_TRUE(tooLong) << text.size();
+  }
 }
 
 TEST(TextLimits, TheSmallestIntegerAsAFormatWordIsFifteenDigits) {
@@ -153,6 +176,13 @@ TEST_F(FluidsInput, OverflowingCorrelationsAreNullInTheFormsTheJsonAndTheBatch) 
   ASSERT_GE(cells.size(), 13u);
   EXPECT_EQ(cells[12], "");
   EXPECT_EQ(cells[0], "1e+30");
+}
+
+TEST_F(FluidsInput, AnEndlessBatchIsReadNoFurtherThanTheLineLimit) {
+  const CommandRun r = fluids("--batch /dev/zero --out " + dir.file("out.csv"));
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "subsurf fluids: /dev/zero row 1: longer than 1048576 bytes, not read\n");
+  EXPECT_FALSE(fs::exists(dir.file("out.csv")));
 }
 
 TEST_F(FluidsInput, AColumnGivenTwiceIsRefusedNamingBoth) {
