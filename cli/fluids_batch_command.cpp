@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -130,6 +132,19 @@ class ResultsOutput {
   AtomicFile file_;
 };
 
+// A results file is replaced only by results: a file already at the target
+// whose first line is not a header this command writes (the first entry,
+// "dres", with its unit) is left alone.
+Status checkResultsReplaceable(const std::string& path) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode) || st.st_size == 0) return Status();
+  std::ifstream in(path, std::ios::binary);
+  std::string first(5, '\0');
+  in.read(first.data(), 5);
+  if (in && (first == "dres[" || first == "dres,")) return Status();
+  return Status::error("it is not a results file of this command; it is left as it is");
+}
+
 // Every entry of the batch's cases as CSV rows; a case that cannot be trusted
 // keeps every result empty.
 void appendRows(const fluids::FluidBatch& batch, const std::vector<bool>& valid,
@@ -201,7 +216,9 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
   const std::vector<Column>& columns = *header;
 
   ResultsOutput out;
-  if (const Status opened = out.open(outPath); !opened.isOk()) {
+  Status opened = outPath.empty() ? Status() : checkResultsReplaceable(outPath);
+  if (opened.isOk()) opened = out.open(outPath);
+  if (!opened.isOk()) {
     std::cerr << fmt::format("subsurf fluids: cannot write \"{}\": {}\n", outPath,
                              opened.message());
     return kExitBadInput;

@@ -185,6 +185,22 @@ TEST_F(FluidsInput, AnEndlessBatchIsReadNoFurtherThanTheLineLimit) {
   EXPECT_FALSE(fs::exists(dir.file("out.csv")));
 }
 
+TEST_F(FluidsInput, ResultsReplaceOnlyEarlierResults) {
+  const std::string in = dir.write("cases.csv", "dres[m],oden\n1524,35\n");
+  const std::string notes = dir.write("notes.csv", "my,notes\n");
+  CommandRun r = fluids("--batch " + in + " --out " + notes);
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, "subsurf fluids: cannot write \"" + notes +
+                       "\": it is not a results file of this command; it is left as it is\n");
+  EXPECT_EQ(readAll(notes), "my,notes\n");
+  const std::string results = dir.file("results.csv");
+  ASSERT_EQ(fluids("--batch " + in + " --out " + results).status, 0);
+  const std::string first = readAll(results);
+  r = fluids("--batch " + in + " --out " + results);
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(readAll(results), first);
+}
+
 TEST_F(FluidsInput, AColumnGivenTwiceIsRefusedNamingBoth) {
   const std::string in = dir.write("twice.csv", "tres, dres[m],oden,dres[ft]\n1,2,3,4\n");
   const CommandRun r = fluids("--batch " + in + " --out " + dir.file("out.csv"));
