@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -76,6 +78,17 @@ int runApp(CLI::App& app, int argc, char** argv, const int& exitCode) {
   } catch (const CLI::ParseError& e) {
     const int rc = app.exit(e);
     return rc == 0 ? kExitOk : kExitBadInput;
+  } catch (const std::bad_alloc&) {
+    std::fprintf(stderr, "%s: out of memory\n", gProgram);
+    return kExitBadInput;
+  } catch (const std::exception& e) {
+    // Whatever a command did not foresee (a file system error, a name too
+    // long) ends the program with its reason, never with an abort.
+    std::fprintf(stderr, "%s: %s\n", gProgram, e.what());
+    return kExitBadInput;
+  } catch (...) {
+    std::fprintf(stderr, "%s: unexpected failure\n", gProgram);
+    return kExitBadInput;
   }
   return exitCode;
 }

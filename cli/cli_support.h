@@ -14,7 +14,8 @@ inline constexpr int kExitBadInput = 2;    // bad arguments, unreadable or impos
 void installTerminalHost(const char* programName);
 
 // Parses the command line and runs the chosen subcommand. Returns the exit status:
-// the subcommand's own (exitCode), 0 for --help, kExitBadInput for bad arguments.
+// the subcommand's own (exitCode), 0 for --help, kExitBadInput for bad arguments
+// and for any exception a command lets escape (printed after the program's name).
 int runApp(CLI::App& app, int argc, char** argv, const int& exitCode);
 
 }  // namespace subsurf::cli

@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -13,6 +16,7 @@
 #include "host/atomic_file.h"
 #include "host/csv_row.h"
 #include "host/fixed_text.h"
+#include "host/keyword_file.h"
 #include "host/nulls.h"
 #include "host/number_text.h"
 
@@ -55,6 +59,7 @@ void splitCsv(std::string_view line, std::vector<std::string_view>& cells,
 struct Column {
   Entry entry;
   EntryUnit unit;
+  std::size_t column = 0;  // in the header, from 1
 };
 
 std::string headerOf(const FluidTable& table, Entry e) {
@@ -93,7 +98,15 @@ std::optional<std::vector<Column>> readHeader(const std::vector<std::string_view
       bad = true;
       continue;
     }
-    columns.push_back({*entry, *u});
+    const auto same = std::find_if(columns.begin(), columns.end(),
+                                   [&](const Column& c) { return c.entry == *entry; });
+    if (same != columns.end()) {
+      std::cerr << fmt::format("subsurf fluids: {} columns {} (\"{}\") and {} (\"{}\") both give \"{}\"\n", inPath,
+                               same->column, cells[same->column - 1], col, cell, fluids::entryInfo(*entry).name);
+      bad = true;
+      continue;
+    }
+    columns.push_back({*entry, *u, col});
   }
   if (bad) return std::nullopt;
   return columns;
@@ -119,6 +132,19 @@ class ResultsOutput {
   AtomicFile file_;
 };
 
+// A results file is replaced only by results: a file already at the target
+// whose first line is not a header this command writes (the first entry,
+// "dres", with its unit) is left alone.
+Status checkResultsReplaceable(const std::string& path) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode) || st.st_size == 0) return Status();
+  std::ifstream in(path, std::ios::binary);
+  std::string first(5, '\0');
+  in.read(first.data(), 5);
+  if (in && (first == "dres[" || first == "dres,")) return Status();
+  return Status::error("it is not a results file of this command; it is left as it is");
+}
+
 // Every entry of the batch's cases as CSV rows; a case that cannot be trusted
 // keeps every result empty.
 void appendRows(const fluids::FluidBatch& batch, const std::vector<bool>& valid,
@@ -129,8 +155,9 @@ void appendRows(const fluids::FluidBatch& batch, const std::vector<bool>& valid,
     } else {
       for (const fluids::EntryInfo& info : fluids::allEntries()) {
         if (info.entry != Entry::Dres) text += ',';
+        // A result past the range of a float is no result: an empty cell.
         const float v = batch.values(info.entry)[k];
-        if (!isNull(v)) appendGeneralFloat(text, v);
+        if (!isNull(v) && std::isfinite(v)) appendGeneralFloat(text, v);
       }
     }
     text += '\n';
@@ -164,7 +191,15 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
   std::vector<std::string> unquoted;
   std::size_t row = 0;
   std::optional<std::vector<Column>> header;
-  while (!header && std::getline(in, line)) {
+  bool tooLong = false;
+  // A line beyond the limit (a file of no lines at all, such as /dev/zero)
+  // ends the reading with a message instead of filling the memory.
+  auto lineTooLong = [&] {
+    std::cerr << fmt::format("subsurf fluids: {} row {}: longer than {} bytes, not read\n", inPath, row + 1,
+                             kMaxTextLineBytes);
+    return kExitBadInput;
+  };
+  while (!header && readBoundedLine(in, line, tooLong)) {
     ++row;
     // Spreadsheets saving "CSV UTF-8" put a byte-order mark before the header.
     if (row == 1 && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
@@ -173,6 +208,7 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
     header = readHeader(cells, inPath, prototype);
     if (!header) return kExitBadInput;
   }
+  if (tooLong) return lineTooLong();
   if (!header) {
     std::cerr << fmt::format("subsurf fluids: \"{}\" has no header row\n", inPath);
     return kExitBadInput;
@@ -180,7 +216,9 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
   const std::vector<Column>& columns = *header;
 
   ResultsOutput out;
-  if (const Status opened = out.open(outPath); !opened.isOk()) {
+  Status opened = outPath.empty() ? Status() : checkResultsReplaceable(outPath);
+  if (opened.isOk()) opened = out.open(outPath);
+  if (!opened.isOk()) {
     std::cerr << fmt::format("subsurf fluids: cannot write \"{}\": {}\n", outPath,
                              opened.message());
     return kExitBadInput;
@@ -202,7 +240,7 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
     batch.resize(kChunkCases);
     valid.assign(kChunkCases, true);
     std::size_t k = 0;
-    while (k < kChunkCases && (more = static_cast<bool>(std::getline(in, line)))) {
+    while (k < kChunkCases && (more = readBoundedLine(in, line, tooLong))) {
       ++row;
       if (trimmedBlanks(line).empty()) continue;
       splitCsv(line, cells, unquoted);
@@ -232,6 +270,7 @@ int runFluidsBatch(const std::string& inPath, const std::string& outPath,
     out.write(text);
     text.clear();
   }
+  if (tooLong) return lineTooLong();
   if (in.bad()) {
     std::cerr << fmt::format("subsurf fluids: cannot read \"{}\" to the end\n", inPath);
     return kExitBadInput;

@@ -133,7 +133,11 @@ void printJson(const FluidTable& table, const std::string& units, std::ostream& 
     }
     forms.push_back({{"title", fluids::formTitle(form)}, {"entries", entries}});
   }
-  os << nlohmann::ordered_json{{"units", units}, {"forms", forms}}.dump(2) << "\n";
+  // Unit names come from a definitions file and need not be valid UTF-8: a
+  // byte that is not is written as U+FFFD rather than stopping the program.
+  os << nlohmann::ordered_json{{"units", units}, {"forms", forms}}.dump(
+            2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+     << "\n";
 }
 
 int runFluids(const FluidsOptions& opt) {

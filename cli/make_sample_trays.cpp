@@ -17,10 +17,13 @@
 
 #include <fmt/format.h>
 
+#include "host/atomic_file.h"
 #include "host/drawing/sample_tray.h"
 #include "host/image/image_writer.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int run(int argc, char** argv) {
   CLI::App app{"Draws sample core-tray photographs with the rectangles of their core rows."};
   std::string outDir = ".";
   int width = 2400, height = 1600, count = 3, rows = 5, quality = 85;
@@ -86,11 +89,26 @@ int main(int argc, char** argv) {
     layout.push_back(entry);
     trayTop = tray.base;  // the next tray starts where this one ends
   }
-  std::ofstream out(layoutPath);
-  out << layout.dump(2) << "\n";
-  if (!out) {
-    std::cerr << "make_sample_trays: cannot write " << layoutPath << "\n";
+  subsurf::AtomicFile out;
+  subsurf::Status written = out.open(layoutPath);
+  if (written) {
+    out.writeLine(layout.dump(2));
+    written = out.commit();
+  }
+  if (!written) {
+    std::cerr << "make_sample_trays: " << written.message() << "\n";
     return 1;
   }
   return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& e) {
+    std::cerr << "make_sample_trays: " << e.what() << "\n";
+    return 2;
+  }
 }

@@ -23,6 +23,7 @@
 #include "core/depth_sources.h"
 #include "core/image_settings.h"
 #include "core/layout_checks.h"
+#include "core/output_guard.h"
 #include "core/output_plan.h"
 #include "core/session_files.h"
 #include "core/split_manifest.h"
@@ -31,6 +32,7 @@
 #include "host/drawing/preview.h"
 #include "host/fixed_text.h"
 #include "host/image/photo.h"
+#include "host/image/pixel_limit.h"
 #include "host/messages.h"
 #include "host/nulls.h"
 #include "host/paths.h"
@@ -175,7 +177,10 @@ class ConsoleHost {
 
 // Reads the session file and the user's settings into the split options.
 // False (the reason shown) when the session cannot be read.
-bool loadSession(const std::string& path, CoreSession& session, split::SplitOptions& options) {
+// The session's output names are checked (see core/output_guard.h); its
+// report name is not used when the command line names the report.
+bool loadSession(const std::string& path, CoreSession& session, split::SplitOptions& options,
+                 bool reportNamedElsewhere = false) {
   if (!fileExists(path)) {
     host::showMessage(fmt::format("{}: no such session file", path));
     return false;
@@ -183,6 +188,10 @@ bool loadSession(const std::string& path, CoreSession& session, split::SplitOpti
   session.init();
   SessionOptions sessionOptions;
   if (!readSession(session, sessionOptions, path)) return false;  // the reason has been shown
+  if (Status s = split::checkSessionOutputNames(sessionOptions, path, reportNamedElsewhere); !s) {
+    host::showMessage(s.message());
+    return false;
+  }
   UserSettings user;
   const std::string userFile = userSettingsFile();
   if (fileExists(userFile)) readUserSettings(userFile, user);  // a bad file leaves the defaults
@@ -241,6 +250,7 @@ struct SplitArgs {
   std::string manifest;
   bool noManifest = false;
   std::string hole;
+  double maxMegapixels = 0.0;
 };
 
 // A decoded tray photograph is one block of tens of megabytes (72 MB for a
@@ -257,6 +267,7 @@ void keepLargeBlocksForReuse() {
 
 int runSplit(const SplitArgs& args) {
   keepLargeBlocksForReuse();
+  if (args.maxMegapixels > 0.0) image::setMaxMegapixels(args.maxMegapixels);
   split::SplitOptions options;
   split::RowFormat format = split::RowFormat::Bmp;
   if (!args.format.empty() && !split::parseRowFormat(args.format, format)) {
@@ -267,7 +278,7 @@ int runSplit(const SplitArgs& args) {
   if (args.no) host::setDefaultAnswer(false);
 
   CoreSession session;
-  if (!loadSession(args.session, session, options)) return kExitBadInput;
+  if (!loadSession(args.session, session, options, !args.report.empty())) return kExitBadInput;
   if (!args.format.empty()) {
     options.naming.format = format;
     options.formatChosen = true;
@@ -424,6 +435,7 @@ struct PreviewArgs {
   std::string session;
   std::string out;
   int size = 1600;
+  double maxMegapixels = 0.0;
 };
 
 // "1234.50-1235.50": the row's interval with the precision of the names.
@@ -433,6 +445,7 @@ std::string intervalLabel(float top, float base, int precisionOption) {
 }
 
 int runPreview(const PreviewArgs& args) {
+  if (args.maxMegapixels > 0.0) image::setMaxMegapixels(args.maxMegapixels);
   split::SplitOptions options;
   CoreSession session;
   if (!loadSession(args.session, session, options)) return kExitBadInput;
@@ -501,6 +514,15 @@ int runPreview(const PreviewArgs& args) {
   return failed > 0 ? kExitPartial : kExitOk;
 }
 
+void addMegapixelOption(CLI::App& command, double& value) {
+  command
+      .add_option("--max-megapixels", value,
+                  fmt::format("Refuse photographs larger than this, before decoding them (default {:g}, or "
+                              "SUBSURF_MAX_MEGAPIXELS)",
+                              image::kDefaultMegapixels))
+      ->check(CLI::PositiveNumber);
+}
+
 }  // namespace
 
 void addSplitCommands(CLI::App& app, int& exitCode) {
@@ -528,6 +550,7 @@ void addSplitCommands(CLI::App& app, int& exitCode) {
   split->add_flag("--no-manifest", splitArgs->noManifest, "Write no manifest")->excludes(manifest);
   split->add_option("--hole", splitArgs->hole,
                     "Hole name for the manifest (default: read from each photo's name)");
+  addMegapixelOption(*split, splitArgs->maxMegapixels);
   split->callback([splitArgs, &exitCode] { exitCode = runSplit(*splitArgs); });
 
   auto previewArgs = std::make_shared<PreviewArgs>();
@@ -538,6 +561,7 @@ void addSplitCommands(CLI::App& app, int& exitCode) {
   preview->add_option("--size", previewArgs->size, "Longest side of a preview in pixels")
       ->check(CLI::Range(64, 20000))
       ->capture_default_str();
+  addMegapixelOption(*preview, previewArgs->maxMegapixels);
   preview->callback([previewArgs, &exitCode] { exitCode = runPreview(*previewArgs); });
 }
 

@@ -5,14 +5,27 @@
 
 namespace subsurf::split {
 
+namespace {
+// A coordinate held within kCoordinateLimit of 0 (see the header).
+int heldCoordinate(float v) {
+  const float limit = static_cast<float>(kCoordinateLimit);
+  if (!(v > -limit)) return -kCoordinateLimit;  // also a NaN
+  if (!(v < limit)) return kCoordinateLimit;
+  return static_cast<int>(std::lround(v));
+}
+int heldCoordinate(int v) { return std::clamp(v, -kCoordinateLimit, kCoordinateLimit); }
+}  // namespace
+
 RowBox boundingBox(const std::vector<PixelPoint>& vertices) {
   if (vertices.size() < 2) return {};
-  RowBox box{vertices[0].x, vertices[0].y, vertices[0].x, vertices[0].y};
+  const int x0 = heldCoordinate(vertices[0].x), y0 = heldCoordinate(vertices[0].y);
+  RowBox box{x0, y0, x0, y0};
   for (const PixelPoint& p : vertices) {
-    box.left = std::min(box.left, p.x);
-    box.right = std::max(box.right, p.x);
-    box.top = std::min(box.top, p.y);
-    box.bottom = std::max(box.bottom, p.y);
+    const int x = heldCoordinate(p.x), y = heldCoordinate(p.y);
+    box.left = std::min(box.left, x);
+    box.right = std::max(box.right, x);
+    box.top = std::min(box.top, y);
+    box.bottom = std::max(box.bottom, y);
   }
   return box;
 }
@@ -38,19 +51,18 @@ float coreFraction(float top, float base, float coreLength, bool shortenRows) {
   if (!(coreLength > 0.0f) || !std::isfinite(coreLength)) return 1.0f;
   const float f = (base - top) / coreLength;
   if (!std::isfinite(f)) return 1.0f;
-  return std::min(f, 1.0f);
+  return f;
 }
 
 namespace {
 // round((e - s) * f + s) in single precision, as the depths themselves are held.
 int shortenedEnd(int s, int e, float f) {
-  const float v = static_cast<float>(e - s) * f + static_cast<float>(s);
-  return static_cast<int>(std::lround(v));
+  return heldCoordinate(static_cast<float>(e - s) * f + static_cast<float>(s));
 }
 }  // namespace
 
 RowBox shortenRow(const RowBox& box, const RowOrientation& orientation, float fraction) {
-  if (fraction >= 1.0f) return box;
+  if (fraction == 1.0f) return box;
   RowBox out = box;
   if (orientation.axis == RowAxis::AlongX) {
     if (orientation.reversed) out.left = shortenedEnd(box.right, box.left, fraction);
@@ -87,8 +99,8 @@ SizeFactors sizeFactors(int fileWidth, int fileHeight, int shownWidth, int shown
 }
 
 RowBox scaleBox(const RowBox& box, const SizeFactors& factors) {
-  auto sx = [&](int v) { return static_cast<int>(std::lround(static_cast<float>(v) * factors.x)); };
-  auto sy = [&](int v) { return static_cast<int>(std::lround(static_cast<float>(v) * factors.y)); };
+  auto sx = [&](int v) { return heldCoordinate(static_cast<float>(v) * factors.x); };
+  auto sy = [&](int v) { return heldCoordinate(static_cast<float>(v) * factors.y); };
   return {sx(box.left), sy(box.top), sx(box.right), sy(box.bottom)};
 }
 

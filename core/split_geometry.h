@@ -25,6 +25,11 @@ struct PixelPoint {
   int y = 0;
 };
 
+// Coordinates are held within this distance of 0 (far beyond any photograph),
+// so that a session with absurd vertices gives a row outside the photograph
+// rather than an overflow in the box arithmetic.
+inline constexpr int kCoordinateLimit = 1 << 28;
+
 // Half-open box [left, right) x [top, bottom) in pixel-corner coordinates.
 struct RowBox {
   int left = 0;
@@ -39,7 +44,8 @@ struct RowBox {
   bool operator==(const RowBox&) const = default;
 };
 
-// The bounding box of a rectangle's vertices; empty for fewer than two vertices.
+// The bounding box of a rectangle's vertices (each held within
+// kCoordinateLimit); empty for fewer than two vertices.
 RowBox boundingBox(const std::vector<PixelPoint>& vertices);
 
 // Which way the core runs in the photograph.
@@ -63,14 +69,16 @@ struct RowOrientation {
 RowOrientation decideOrientation(int horizontalSetting, int reverseSetting, const RowBox& box);
 
 // The fraction of the rectangle that holds core: (base - top) / core length
-// when shortening is on, else 1. Limited to at most 1 (a rectangle never grows
-// into the next compartment of the tray); 1 when the core length is unset or
-// not positive. May be 0 or negative for a row whose base is not below its top,
-// which the caller rejects.
+// when shortening is on, else 1; 1 when the core length is unset or not
+// positive. Above 1 for a row spanning more than a core length, whose cut then
+// reaches past its rectangle (the caller clips it to the photograph). May be 0
+// or negative for a row whose base is not below its top, which the caller
+// rejects.
 float coreFraction(float top, float base, float coreLength, bool shortenRows);
 
 // The box cut to the part holding core: along the row's axis, from its shallow
-// end s to round((e - s) * fraction + s) where e is the deep end.
+// end s to round((e - s) * fraction + s) where e is the deep end (beyond e for
+// a fraction above 1), held within kCoordinateLimit.
 RowBox shortenRow(const RowBox& box, const RowOrientation& orientation, float fraction);
 
 // Factors from the coordinates in which the rectangles were drawn to the

@@ -8,6 +8,7 @@
 
 #include "core/core_session.h"
 #include "core/depth_sources.h"
+#include "core/output_guard.h"
 #include "core/output_plan.h"
 #include "host/atomic_file.h"
 #include "host/fixed_text.h"
@@ -253,6 +254,9 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
     spec.angleDegrees = job.angleDegrees;
     ro.quarterTurns = spec.quarterTurns;
     ro.cut = streamed.done ? image::clipBox(spec.box, photoWidth, photoHeight) : photo.clippedBox(spec);
+    // Every row that reaches its cut has its line in the table, written or
+    // not: the error count and the end message tell of the failure.
+    out.reportLines.push_back(reportRowLine(row.top, row.base, ro.outputName, options.reportStyle));
     if (ro.cut.empty()) {
       ro.result = RowResult::Outside;
       ro.problem = "the rectangle lies outside the photograph";
@@ -279,9 +283,6 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
       continue;
     }
     ro.result = RowResult::Written;
-    // The table lists the row images that exist, so a package loading it
-    // never meets a missing file.
-    out.reportLines.push_back(reportRowLine(row.top, row.base, ro.outputName, options.reportStyle));
     out.rows.push_back(std::move(ro));
   }
 
@@ -394,6 +395,10 @@ Status writeReportFile(const std::string& path, const std::vector<std::string>& 
     std::string text = fmt::format("{}: the folder for the table of clipping depths cannot be made", path);
     host::showMessage(text);
     return Status::error(std::move(text));
+  }
+  if (Status guard = checkReportReplaceable(path); !guard) {
+    host::showMessage(guard.message());
+    return guard;
   }
   AtomicFile file;
   Status s = file.open(path);

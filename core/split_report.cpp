@@ -4,13 +4,31 @@
 
 namespace subsurf::split {
 
+namespace {
+// Text from a session (a photograph's path, a name made from it) as one field
+// of the table: quoted, quotes doubled, when it holds what would end the
+// field or the line.
+void appendField(std::string& line, std::string_view text) {
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+    line += text;
+    return;
+  }
+  line += '"';
+  for (char c : text) {
+    if (c == '"') line += '"';
+    line += c;
+  }
+  line += '"';
+}
+}  // namespace
+
 std::vector<std::string> reportHeaderLines() {
   return {std::string(kReportTitle), std::string(kReportColumns)};
 }
 
 std::string reportSourceLine(std::string_view sourcePath) {
   std::string line(kReportSourcePrefix);
-  line += sourcePath;
+  appendField(line, sourcePath);
   return line;
 }
 
@@ -27,7 +45,7 @@ std::string reportRowLine(float top, float base, std::string_view outputName, in
     line += reportDepth(base);
     line += ", ";
   }
-  line += outputName;
+  appendField(line, outputName);
   return line;
 }
 

@@ -1,6 +1,7 @@
 #include "fluids/calculate_all.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "fluids/correlation_kernels.h"
 #include "fluids/gas_correlations.h"
@@ -26,8 +27,10 @@ constexpr float kDefaultViscosityTemperatureF = 60.0f;
 // Reads an entry in its fixed calculation unit.
 EntryReading fixedRead(const FluidTable& t, Entry e) { return t.get(e, t.fixedUnit(e)); }
 
+// A correlation driven past the range of a float (a depth of 1e30 ft) has no
+// result: it is stored as null, never as an infinity or not-a-number.
 void store(FluidTable& t, Entry e, float value) {
-  t.set(e, t.fixedUnit(e), value, kStateCalculated);
+  t.set(e, t.fixedUnit(e), std::isfinite(value) ? value : kRealNull, kStateCalculated);
 }
 
 SUBSURF_FMA_CLONES

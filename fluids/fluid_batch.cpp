@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -321,12 +322,15 @@ void FluidBatch::calculateRange(std::size_t first, std::size_t count, BlockWork&
     const EntryUnit unit = fixedUnit(e);
     const EntryUnit stored = prototype_.storedUnit(e);
     float* v = column(e);
+    // A result past the range of a float is stored as null, as store() in
+    // calculate_all.cpp does.
+    auto finiteOrNull = [](float x) SUBSURF_INLINE { return std::isfinite(x) ? x : kRealNull; };
     if (asStored(stored, unit)) {
-      for (int i = 0; i < n; ++i) v[i] = mask[i] ? in[i] : v[i];
+      for (int i = 0; i < n; ++i) v[i] = mask[i] ? finiteOrNull(in[i]) : v[i];
       return;
     }
     convertBlock(in, converted, n, stored.iser, unit.iun, stored.iun);
-    for (int i = 0; i < n; ++i) v[i] = mask[i] ? (isNull(in[i]) ? in[i] : converted[i]) : v[i];
+    for (int i = 0; i < n; ++i) v[i] = mask[i] ? (isNull(in[i]) ? in[i] : finiteOrNull(converted[i])) : v[i];
   };
   auto storeValues = [&](Entry e, const float* in, const Flag* mask) SUBSURF_INLINE {
     if (fixedUnit(e).iun < 0 || none(mask)) return;

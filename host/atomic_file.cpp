@@ -1,47 +1,26 @@
 #include "host/atomic_file.h"
 
-#include <atomic>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <unistd.h>
-
 #include <fmt/format.h>
 
 namespace subsurf {
-
-std::string temporaryNameFor(const std::string& target) {
-  static std::atomic<unsigned> counter{0};
-  namespace fs = std::filesystem;
-  fs::path p(target);
-  std::string name = fmt::format(".{}.{}-{}.part", p.filename().string(), ::getpid(), counter++);
-  return (p.parent_path() / name).string();
-}
-
-Status replaceFile(const std::string& temp, const std::string& target) {
-  if (std::rename(temp.c_str(), target.c_str()) != 0) {
-    const std::string reason = std::strerror(errno);
-    std::remove(temp.c_str());
-    return Status::error(fmt::format("Cannot replace {}: {}", target, reason));
-  }
-  return Status::ok();
-}
 
 AtomicFile::~AtomicFile() { discard(); }
 
 Status AtomicFile::open(const std::string& target) {
   discard();
   target_ = target;
-  temp_ = temporaryNameFor(target);
   writeFailed_ = false;
-  file_ = std::fopen(temp_.c_str(), "wb");
-  if (!file_) return Status::error(fmt::format("Cannot write {}: {}", target, std::strerror(errno)));
+  file_ = std::make_unique<SafeFile>(target, Durability::Flushed, SpecialTargets::WriteThrough);
+  if (Status s = file_->open(); !s) {
+    file_.reset();
+    return Status::error(fmt::format("Cannot write {}: {}", target, s.message()));
+  }
   return Status::ok();
 }
 
 void AtomicFile::write(std::string_view text) {
-  if (!file_) return;
-  if (std::fwrite(text.data(), 1, text.size(), file_) != text.size()) writeFailed_ = true;
+  if (!isOpen()) return;
+  if (std::fwrite(text.data(), 1, text.size(), file_->stream()) != text.size()) writeFailed_ = true;
 }
 
 void AtomicFile::writeLine(std::string_view text) {
@@ -50,25 +29,13 @@ void AtomicFile::writeLine(std::string_view text) {
 }
 
 Status AtomicFile::commit() {
-  if (!file_) return Status::error(fmt::format("Cannot write {}: file not open", target_));
-  bool ok = !writeFailed_ && std::fflush(file_) == 0 && ::fsync(::fileno(file_)) == 0;
-  const int savedErrno = errno;
-  ok = (std::fclose(file_) == 0) && ok;
-  file_ = nullptr;
-  if (!ok) {
-    std::remove(temp_.c_str());
-    return Status::error(fmt::format("Cannot write {}: {}", target_,
-                                     std::strerror(savedErrno ? savedErrno : EIO)));
-  }
-  return replaceFile(temp_, target_);
+  if (!isOpen()) return Status::error(fmt::format("Cannot write {}: file not open", target_));
+  Status s = writeFailed_ ? Status::error("the file could not be written completely") : file_->commit();
+  file_.reset();  // discards the temporary file when anything failed
+  if (!s) return Status::error(fmt::format("Cannot write {}: {}", target_, s.message()));
+  return Status::ok();
 }
 
-void AtomicFile::discard() {
-  if (file_) {
-    std::fclose(file_);
-    file_ = nullptr;
-    std::remove(temp_.c_str());
-  }
-}
+void AtomicFile::discard() { file_.reset(); }
 
 }  // namespace subsurf

@@ -1,25 +1,22 @@
-// AtomicFile: write a file under a temporary name in the target's folder and
-// rename it over the target only once it is complete.
+// AtomicFile: a text file that holds a user's work (a session, a template, the
+// settings, a report, a results table, a script), written whole or not at all.
 //
 // A session a geologist has worked on for months must never be damaged by a
-// failed save (a full disk, a crash, a bad value met half way): until commit()
-// succeeds the previous file is untouched, and an abandoned write leaves no
-// temporary file behind.
+// failed save (a full disk, a crash, a bad value met half way): it goes
+// through SafeFile (see host/safe_file.h), flushed to disk before and after
+// the rename, so until commit() succeeds the previous file is untouched, and
+// an abandoned write leaves no temporary file behind. A pipe or device named
+// as the target (/dev/stdout, /dev/null) is written directly.
 #pragma once
 
-#include <cstdio>
+#include <memory>
 #include <string>
 #include <string_view>
 
+#include "host/safe_file.h"
 #include "host/status.h"
 
 namespace subsurf {
-
-// A temporary name in the same folder as target (so the final rename is atomic).
-std::string temporaryNameFor(const std::string& target);
-
-// Renames temp over target; on failure removes temp and names both files.
-Status replaceFile(const std::string& temp, const std::string& target);
 
 class AtomicFile {
  public:
@@ -29,19 +26,18 @@ class AtomicFile {
   AtomicFile& operator=(const AtomicFile&) = delete;
 
   Status open(const std::string& target);
-  bool isOpen() const { return file_ != nullptr; }
+  bool isOpen() const { return file_ != nullptr && file_->stream() != nullptr; }
   void write(std::string_view text);
   void writeLine(std::string_view text);
-  // Flushes, syncs and renames over the target. Any earlier write error fails it.
+  // Flushes, syncs and puts the file in place. Any earlier write error fails it.
   Status commit();
   // Throws the temporary file away, leaving the target as it was.
   void discard();
   const std::string& target() const { return target_; }
 
  private:
-  std::FILE* file_ = nullptr;
+  std::unique_ptr<SafeFile> file_;
   std::string target_;
-  std::string temp_;
   bool writeFailed_ = false;
 };
 

@@ -6,6 +6,7 @@
 // through AtomicFile: the target is replaced only when the whole file is written.
 #pragma once
 
+#include <istream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,7 +48,21 @@ class KeywordFileWriter {
   AtomicFile file_;
 };
 
-// Reads every line of a text file (without line breaks).
+// Limits on the text files the programs read (sessions, templates, settings,
+// definitions): a line longer than kMaxTextLineBytes or a file larger than
+// kMaxTextFileBytes is refused with a message naming the file (and line).
+inline constexpr std::size_t kMaxTextLineBytes = std::size_t{1} << 20;   // 1 MiB
+inline constexpr std::size_t kMaxTextFileBytes = std::size_t{64} << 20;  // 64 MiB
+inline constexpr std::string_view kUtf8ByteOrderMark = "\xEF\xBB\xBF";
+
+// Reads the next line of a stream into `line` (without its line break), as
+// std::getline does, but stops at kMaxTextLineBytes: false at the end of the
+// stream or, with `tooLong` set, for a longer line (the stream is then left
+// failed). For files read a line at a time, such as a batch of cases.
+bool readBoundedLine(std::istream& in, std::string& line, bool& tooLong);
+
+// Reads every line of a text file (without line breaks, and without the
+// byte-order mark an editor may put first), within the limits above.
 Status readLines(const std::string& path, std::vector<std::string>& lines);
 
 }  // namespace subsurf

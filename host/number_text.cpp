@@ -34,8 +34,8 @@ std::string formatReal(double value, int code) {
   if (isNull(value) || isNull(static_cast<float>(value))) return {};
   if (std::isnan(value)) return "NaN";
   if (code >= 0) return fmt::format("{:.{}f}", value, code > 15 ? 15 : code);
-  int digits = -code;
-  if (digits > 15) digits = 15;
+  // Compared before negating: the smallest int has no positive counterpart.
+  const int digits = code < -15 ? 15 : -code;
   std::string s = fmt::format("{:.{}g}", value, digits);
   if (s == "-0") s = "0";
   return s;

@@ -9,13 +9,13 @@ build_packages=(
   libcli11-dev nlohmann-json3-dev libfmt-dev libcpp-httplib-dev
   libgtest-dev libgmock-dev libbenchmark-dev
 )
+# The tests use ImageMagick as an independent reader of the bitmaps we write,
+# and drive headless Chromium for the browser tests of the editor page.
+test_packages=(imagemagick chromium chromium-driver python3-selenium)
 # Only the benchmarks need these: peer tools measured in the same run.
 bench_packages=(hyperfine imagemagick libjpeg-turbo-progs libvips-tools python3-numpy time)
 build_packages+=(libpng-dev)            # PNG pages of plots, written directly
 bench_packages+=(python3-matplotlib)    # the peer of the plot benchmark
-
-# The browser tests of the editor page (slabber edit) drive headless Chromium.
-test_packages=(chromium chromium-driver python3-selenium)
 
 wanted=("${build_packages[@]}" "${test_packages[@]}")
 if [ "${1:-}" = "--bench" ]; then wanted+=("${bench_packages[@]}"); fi

@@ -25,7 +25,7 @@ constexpr double kDoubleWholeDigitsLimit = 1.0e12;
 std::string formatNumber(double value, int format, bool single) {
   if (isNull(value) || isNull(static_cast<float>(value))) return {};
   if (format >= 0 || !std::isfinite(value)) return formatReal(value, format);
-  const int digits = std::min(-format, 15);
+  const int digits = format < -15 ? 15 : -format;  // never negates the smallest int
   const double magnitude = std::fabs(value);
   const double limit = single ? kSingleWholeDigitsLimit : kDoubleWholeDigitsLimit;
   if (magnitude >= std::pow(10.0, digits - 1) && magnitude < limit) {

@@ -182,7 +182,10 @@ Status drawPreview(const std::string& photoPath, const std::vector<PreviewOutlin
   try {
     // Thumbnailing lets the JPEG decoder skip detail it would throw away, and
     // turns the picture upright like Photo does.
-    reduced = image::toRgb8(VImage::thumbnail(photoPath.c_str(), target,
+    // A damaged file (any warning of the decoder) is an error, as when a
+    // photograph is split.
+    const std::string damagedFails = photoPath + "[fail_on=warning]";
+    reduced = image::toRgb8(VImage::thumbnail(damagedFails.c_str(), target,
                                               VImage::option()->set("height", target)->set("size", VIPS_SIZE_DOWN)))
                   .copy_memory();
   } catch (const vips::VError& e) {

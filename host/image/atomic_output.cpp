@@ -1,108 +1,55 @@
 #include "host/image/atomic_output.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <atomic>
-#include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <random>
+#include <memory>
 
 #include <fmt/format.h>
+
+#include "host/image/image_writer.h"
 
 namespace subsurf::image {
 namespace {
 
-// Several threads (one per photo) may write into the same folder at once;
-// the process id, a counter and a random tag keep their temporary names apart.
-std::string temporaryName(const std::string& target) {
-  static std::atomic<unsigned> counter{0};
-  thread_local std::mt19937 random{std::random_device{}()};
-  const std::size_t slash = target.find_last_of('/');
-  const std::string folder = slash == std::string::npos ? std::string() : target.substr(0, slash + 1);
-  const std::string name = slash == std::string::npos ? target : target.substr(slash + 1);
-  return fmt::format("{}.{}.{}-{}-{:06x}.part", folder, name, static_cast<long>(::getpid()),
-                     counter.fetch_add(1), random() & 0xffffff);
+// Whether the first bytes are those every file of the format starts with.
+bool startsAsFormat(const unsigned char* b, std::size_t n, ImageFormat format) {
+  switch (format) {
+    case ImageFormat::Bmp: return n >= 2 && b[0] == 'B' && b[1] == 'M';
+    case ImageFormat::Cgm: return n >= 2 && b[0] == 0x00 && (b[1] & 0xe0) == 0x20;  // BEGIN METAFILE
+    case ImageFormat::Png: return n >= 4 && std::memcmp(b, "\x89PNG", 4) == 0;
+    case ImageFormat::Jpeg: return n >= 3 && b[0] == 0xFF && b[1] == 0xD8 && b[2] == 0xFF;
+    case ImageFormat::Tiff:
+      return n >= 4 && (std::memcmp(b, "II*\0", 4) == 0 || std::memcmp(b, "MM\0*", 4) == 0 ||
+                        std::memcmp(b, "II+\0", 4) == 0 || std::memcmp(b, "MM\0+", 4) == 0);
+  }
+  return false;
 }
 
 }  // namespace
 
 std::string errnoText(int error) { return std::strerror(error); }
 
-AtomicOutput::AtomicOutput(std::string target) : target_(std::move(target)) {}
-
-AtomicOutput::~AtomicOutput() { discard(); }
+Status checkImageReplaceable(const std::string& path) {
+  const std::optional<ImageFormat> format = formatForFileName(path);
+  if (!format) return Status::ok();
+  // Only a regular file is looked into (a pipe would block the read); what
+  // else may be there is SafeFile's to judge.
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode) || st.st_size == 0) return Status::ok();
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
+  if (!file) return Status::ok();  // nothing there, or nothing we could read to replace
+  unsigned char head[8] = {};
+  const std::size_t n = std::fread(head, 1, sizeof head, file.get());
+  if (n == 0 || startsAsFormat(head, n, *format)) return Status::ok();
+  return Status::error(fmt::format("a file that is not a {} image is already there; it is left as it is",
+                                   formatSuffix(*format).substr(1)));
+}
 
 Status AtomicOutput::open() {
-  discard();
-  if (target_.empty()) return Status::error("no file name given");
-  for (int attempt = 0; attempt < 16; ++attempt) {
-    tempPath_ = temporaryName(target_);
-    // 0666 before the umask, as for any file the user creates.
-    const int fd = ::open(tempPath_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (fd < 0) {
-      if (errno == EEXIST) continue;
-      return Status::error("cannot create the file: " + errnoText(errno));
-    }
-    pending_ = true;
-    stream_ = ::fdopen(fd, "wb");
-    if (stream_ == nullptr) {
-      const int error = errno;
-      ::close(fd);
-      discard();
-      return Status::error("cannot create the file: " + errnoText(error));
-    }
-    return Status::ok();
-  }
-  return Status::error("cannot create a temporary file beside it");
-}
-
-Status AtomicOutput::closeStream() {
-  if (stream_ == nullptr) return Status::ok();
-  const bool failed = std::ferror(stream_) != 0;
-  const int flushed = std::fflush(stream_);
-  const int error = errno;
-  const int closed = std::fclose(stream_);
-  const int closeError = errno;
-  stream_ = nullptr;
-  if (failed) return Status::error("the file could not be written completely");
-  if (flushed != 0) return Status::error("cannot write the file: " + errnoText(error));
-  if (closed != 0) return Status::error("cannot write the file: " + errnoText(closeError));
-  return Status::ok();
-}
-
-Status AtomicOutput::commit() {
-  if (!pending_) return Status::error("nothing was written");
-  if (Status s = closeStream(); !s) {
-    discard();
-    return s;
-  }
-  // An existing file of that name is removed first rather than renamed over:
-  // on ext4, renaming over a file makes the kernel push the new file's data
-  // to disk at once (its guard against empty files after a crash), which
-  // more than doubles the time of a re-run that replaces every row image.
-  // The name is briefly absent, never attached to a partial file.
-  struct stat st {};
-  if (::lstat(target_.c_str(), &st) == 0 && S_ISREG(st.st_mode)) ::unlink(target_.c_str());
-  if (std::rename(tempPath_.c_str(), target_.c_str()) != 0) {
-    const int error = errno;
-    discard();
-    return Status::error("cannot replace the file: " + errnoText(error));
-  }
-  pending_ = false;
-  return Status::ok();
-}
-
-void AtomicOutput::discard() {
-  if (stream_ != nullptr) {
-    std::fclose(stream_);
-    stream_ = nullptr;
-  }
-  if (pending_) {
-    ::unlink(tempPath_.c_str());
-    pending_ = false;
-  }
+  if (Status s = checkImageReplaceable(target()); !s) return s;
+  return SafeFile::open();
 }
 
 }  // namespace subsurf::image

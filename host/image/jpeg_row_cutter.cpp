@@ -11,6 +11,7 @@
 #include <jpeglib.h>
 
 #include "host/image/atomic_output.h"
+#include "host/image/pixel_limit.h"
 #include "host/image/bmp.h"
 
 namespace subsurf::image {
@@ -107,6 +108,8 @@ bool JpegRowCutter::open(const std::string& path) {
   jpeg_stdio_src(&dp->info, dp->file);
   jpeg_save_markers(&dp->info, JPEG_APP0 + 1, 0xFFFF);
   if (jpeg_read_header(&dp->info, TRUE) != JPEG_HEADER_OK) return false;
+  // Too large a picture is refused by the general way, which says so.
+  if (!checkPixelCount(dp->info.image_width, dp->info.image_height)) return false;
   if (dp->info.num_components != 3 ||
       (dp->info.jpeg_color_space != JCS_YCbCr && dp->info.jpeg_color_space != JCS_RGB)) {
     return false;

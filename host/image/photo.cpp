@@ -16,6 +16,7 @@
 
 #include "host/image/bmp.h"
 #include "host/image/image_messages.h"
+#include "host/image/pixel_limit.h"
 #include "host/image/vips_convert.h"
 #include "host/image/vips_runtime.h"
 
@@ -204,6 +205,8 @@ Status readPixelSize(const std::string& path, PixelSize& size) {
   if (looksLikeBmp(path)) {
     BmpInfo info;
     if (Status s = readBmpInfo(path, info); s) {
+      if (Status big = checkPixelCount(info.width, info.height); !big)
+        return reportPhotoFailure(kErrorLoading, path, big.message());
       size = {info.width, info.height};
       return Status::ok();
     } else {
@@ -222,6 +225,10 @@ Status readPixelSize(const std::string& path, PixelSize& size) {
     if (vips_image_get_orientation_swap(header.get_image())) std::swap(size.width, size.height);
   } catch (const VError& e) {
     return reportPhotoFailure(kErrorLoading, path, bmpProblem.empty() ? vipsReason(e) : bmpProblem);
+  }
+  if (Status big = checkPixelCount(size.width, size.height); !big) {
+    size = {};
+    return reportPhotoFailure(kErrorLoading, path, big.message());
   }
   return Status::ok();
 }
@@ -250,6 +257,7 @@ Status Photo::load(const std::string& path, Photo& out) {
   if (looksLikeBmp(path)) {
     BmpInfo info;
     Status s = readBmpInfo(path, info);
+    if (s) s = checkPixelCount(info.width, info.height);
     if (s) {
       const std::size_t stride = 3 * static_cast<std::size_t>(info.width);
       PixelMemory::Block* block = PixelMemory::instance().take(stride * static_cast<std::size_t>(info.height));
@@ -273,15 +281,19 @@ Status Photo::load(const std::string& path, Photo& out) {
     VImage file;
     try {
       // Sequential access lets the decoder stream top to bottom without
-      // keeping a second copy; a truncated or damaged file is an error rather
-      // than a picture with a grey bottom half.
+      // keeping a second copy; a truncated or damaged file (any warning of
+      // the decoder) is an error rather than a picture with grey rows.
       file = VImage::new_from_file(path.c_str(), VImage::option()
                                                      ->set("access", VIPS_ACCESS_SEQUENTIAL)
-                                                     ->set("fail_on", VIPS_FAIL_ON_TRUNCATED));
+                                                     ->set("fail_on", VIPS_FAIL_ON_WARNING));
       impl->orientation = vips_image_get_orientation(file.get_image());
     } catch (const VError& e) {
       return reportPhotoFailure(kErrorLoading, path, bmpProblem.empty() ? vipsReason(e) : bmpProblem);
     }
+    // Only the header has been read: the size it claims is checked before
+    // any memory is taken for the pixels.
+    if (Status big = checkPixelCount(file.width(), file.height()); !big)
+      return reportPhotoFailure(kErrorLoading, path, big.message());
     if (impl->orientation < 1 || impl->orientation > 8) impl->orientation = 1;
     VImage rgb;
     try {

@@ -201,7 +201,7 @@ TEST_F(FluidsCommand, BatchHeaderMayFollowAByteOrderMark) {
 // written to is named.
 TEST_F(FluidsCommand, BatchResultsFileIsWrittenWhole) {
   const std::string in = tmp.write("cases.csv", "dres,oden\n8000,35\n");
-  const std::string out = tmp.write("out.csv", "an older results file\n");
+  const std::string out = tmp.write("out.csv", "dres[m],tres[degc]\n1,2\n");  // older results
   const Outcome ok = run("--batch " + in + " --out " + out);
   ASSERT_EQ(ok.status, 0) << ok.err;
   EXPECT_TRUE(subsurf::testing::TempDir::read(out).starts_with("dres[ft],tres[degf]"));

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cerrno>
 #include <filesystem>
 #include <utility>
 
@@ -41,17 +42,30 @@ TEST(AtomicFile, UnwritableFolderIsReportedWithTheFileName) {
   EXPECT_NE(st.message().find("/nonexistent-folder/sub/file.txt"), std::string::npos);
 }
 
-TEST(AtomicFile, FailedRenameRemovesTheTemporaryAndNamesTheTarget) {
+TEST(AtomicFile, FailedRenameRemovesTheTemporaryAndKeepsTheOldFile) {
   TempDir dir;
-  const std::string target = dir.file("occupied");
-  std::filesystem::create_directories(target + "/inside");  // a folder cannot be replaced by a file
+  const std::string target = dir.write("kept.txt", "old\n");
   AtomicFile f;
   ASSERT_TRUE(f.open(target));
-  f.writeLine("x");
+  f.writeLine("new");
+  failNextRenamesForTesting(1, EXDEV);
   Status st = f.commit();
   ASSERT_FALSE(st);
-  EXPECT_EQ(st.message().rfind("Cannot replace " + target, 0), 0u);
+  EXPECT_EQ(st.message(), "Cannot write " + target + ": cannot replace the file: Invalid cross-device link");
+  EXPECT_EQ(dir.list(), std::vector<std::string>{"kept.txt"});
+  EXPECT_EQ(TempDir::read(target), "old\n");
+}
+
+TEST(AtomicFile, AFolderIsNeverReplacedByAFile) {
+  TempDir dir;
+  const std::string target = dir.file("occupied");
+  std::filesystem::create_directories(target + "/inside");
+  AtomicFile f;
+  Status st = f.open(target);
+  ASSERT_FALSE(st);
+  EXPECT_EQ(st.message(), "Cannot write " + target + ": it is a folder");
   EXPECT_EQ(dir.list(), std::vector<std::string>{"occupied"});
+  EXPECT_TRUE(std::filesystem::is_directory(target + "/inside"));
 }
 
 TEST(KeywordFileReader, SkipsBlankLinesAndCountsLines) {

@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <fstream>
 
 #include <thread>
 
@@ -16,6 +20,11 @@
 
 namespace subsurf::image {
 namespace {
+
+std::string readAll(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
 
 using namespace testing;
 
@@ -100,12 +109,32 @@ TEST_F(WriterTest, ViewsIntoWiderPicturesAreWrittenRowByRow) {
   }
 }
 
-TEST_F(WriterTest, AnExistingFileIsReplacedWholeAndNothingElseIsLeft) {
+TEST_F(WriterTest, AnExistingImageIsReplacedWholeAndNothingElseIsLeft) {
   const std::string out = dir.file("row.bmp");
-  writeBytes(out, {'o', 'l', 'd'});
+  ASSERT_TRUE(cutToFile(photo, {{0, 0, 12, 12}}, out, ImageFormat::Bmp));
   ASSERT_TRUE(cutToFile(photo, {{0, 0, 10, 10}}, out, ImageFormat::Bmp));
   EXPECT_EQ(readBack(out, ImageFormat::Bmp).width(), 10);
   EXPECT_EQ(dir.entries(), (std::vector<std::string>{"row.bmp", "tray.png"}));
+}
+
+TEST_F(WriterTest, AFileThatIsNotAnImageOfTheKindIsLeftAlone) {
+  for (ImageFormat f : {ImageFormat::Bmp, ImageFormat::Cgm, ImageFormat::Png, ImageFormat::Jpeg, ImageFormat::Tiff}) {
+    const std::string suffix(formatSuffix(f));
+    SCOPED_TRACE(suffix);
+    const std::string out = dir.file("notes" + suffix);
+    writeBytes(out, {'o', 'l', 'd'});
+    Status s = cutToFile(photo, {{0, 0, 10, 10}}, out, f);
+    ASSERT_FALSE(s);
+    EXPECT_NE(s.message().find("(a file that is not a " + suffix.substr(1) +
+                               " image is already there; it is left as it is)"),
+              std::string::npos)
+        << s.message();
+    EXPECT_EQ(readAll(out), "old");
+    // Once it is one of ours, it is replaced as any row image is.
+    fs::remove(out);
+    ASSERT_TRUE(cutToFile(photo, {{0, 0, 12, 12}}, out, f));
+    EXPECT_TRUE(cutToFile(photo, {{0, 0, 10, 10}}, out, f));
+  }
 }
 
 TEST_F(WriterTest, MissingFolderFailsWithTheBitmapMessages) {
@@ -139,18 +168,36 @@ TEST_F(WriterTest, ReadOnlyFolderFailsAndLeavesNothing) {
   EXPECT_TRUE(fs::is_empty(locked));
 }
 
-TEST_F(WriterTest, FailedRenameRemovesTheTemporaryFile) {
-  // The target is a folder, so the finished file cannot be renamed over it.
+TEST_F(WriterTest, FailedRenameRemovesTheTemporaryFileAndKeepsTheOldImage) {
   for (ImageFormat f : {ImageFormat::Bmp, ImageFormat::Cgm, ImageFormat::Tiff}) {
     SCOPED_TRACE(std::string(formatSuffix(f)));
-    const fs::path target = dir.path() / ("taken" + std::string(formatSuffix(f)));
-    fs::create_directories(target / "inside");
-    Status s = cutToFile(photo, {{0, 0, 10, 10}}, target.string(), f);
+    const std::string target = dir.file("taken" + std::string(formatSuffix(f)));
+    ASSERT_TRUE(cutToFile(photo, {{0, 0, 10, 10}}, target, f));
+    const std::string old = readAll(target);
+    failNextRenamesForTesting(2, EIO);  // the exchange, then the plain rename
+    Status s = cutToFile(photo, {{0, 0, 12, 12}}, target, f);
+    failNextRenamesForTesting(0, 0);
     ASSERT_FALSE(s);
-    EXPECT_NE(s.message().find("Conversion failed. (cannot replace the file: "), std::string::npos) << s.message();
-    EXPECT_TRUE(fs::is_directory(target / "inside"));
+    EXPECT_NE(s.message().find("Conversion failed. (cannot replace the file: Input/output error)"), std::string::npos)
+        << s.message();
+    EXPECT_EQ(readAll(target), old);
   }
   EXPECT_EQ(dir.entries(), (std::vector<std::string>{"taken.bmp", "taken.cgm", "taken.tif", "tray.png"}));
+}
+
+TEST_F(WriterTest, AFolderOrPipeIsNeverReplacedByAnImage) {
+  const fs::path folder = dir.path() / "taken.bmp";
+  fs::create_directories(folder / "inside");
+  Status s = cutToFile(photo, {{0, 0, 10, 10}}, folder.string(), ImageFormat::Bmp);
+  ASSERT_FALSE(s);
+  EXPECT_NE(s.message().find("(it is a folder)"), std::string::npos) << s.message();
+  EXPECT_TRUE(fs::is_directory(folder / "inside"));
+  const std::string fifo = dir.file("pipe.bmp");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  s = cutToFile(photo, {{0, 0, 10, 10}}, fifo, ImageFormat::Bmp);
+  ASSERT_FALSE(s);
+  EXPECT_NE(s.message().find("(not a regular file; it is left as it is)"), std::string::npos) << s.message();
+  EXPECT_TRUE(fs::is_fifo(fifo));
 }
 
 TEST_F(WriterTest, CutOutsideThePhotoWritesNothing) {

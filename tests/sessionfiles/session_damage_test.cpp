@@ -3,10 +3,12 @@
 // left exactly as it was; failed saves leave the file on disk alone.
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include <fmt/format.h>
 
+#include "host/safe_file.h"
 #include "session_test_support.h"
 
 namespace subsurf {
@@ -175,13 +177,23 @@ TEST_F(SessionDamageTest, FailedSaveLeavesTheOldFileAndNoTemporaryFile) {
   EXPECT_FALSE(saveSession(work, workOptions, dir.file("no/such/folder/s.slbs")));
   EXPECT_EQ(lastMessage().rfind("Could not save the session: ", 0), 0u) << lastMessage();
 
-  // A save whose final step fails (the target is a folder) leaves the target
-  // as it was and no temporary file beside it.
+  // A folder of that name is never replaced by the session.
   fs::create_directories(dir.file("taken.slbs"));
   const auto before = dir.list();
   EXPECT_FALSE(saveSession(work, workOptions, dir.file("taken.slbs")));
-  EXPECT_EQ(lastMessage().rfind("Could not save the session ", 0), 0u) << lastMessage();
+  EXPECT_EQ(lastMessage(), "Could not save the session: Cannot write " + dir.file("taken.slbs") + ": it is a folder")
+      << lastMessage();
   EXPECT_TRUE(fs::is_directory(dir.file("taken.slbs")));
+  EXPECT_EQ(dir.list(), before);
+
+  // A save whose final step fails leaves the old file as it was and no
+  // temporary file beside it.
+  const std::string kept = TempDir::read(good);
+  failNextRenamesForTesting(1, ENOSPC);
+  EXPECT_FALSE(saveSession(work, workOptions, good));
+  EXPECT_EQ(lastMessage(), "Could not save the session " + good + ": Cannot write " + good +
+                               ": cannot replace the file: No space left on device");
+  EXPECT_EQ(TempDir::read(good), kept);
   EXPECT_EQ(dir.list(), before);
 
   // A good save over the old file replaces it whole.

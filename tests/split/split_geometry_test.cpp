@@ -2,6 +2,8 @@
 // the displayed picture to the photograph file.
 #include <gtest/gtest.h>
 
+#include <climits>
+
 #include "core/split_geometry.h"
 #include "host/nulls.h"
 
@@ -32,10 +34,12 @@ TEST(Orientation, SettingsOrShapeAndTheTurnThatFollows) {
   EXPECT_EQ((RowOrientation{RowAxis::AlongY, true}).quarterTurns(), 1);   // bottom to the left
 }
 
-TEST(CoreFraction, ShareOfACoreLengthNeverAboveOne) {
+TEST(CoreFraction, ShareOfACoreLengthWithNoUpperLimit) {
   EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.5f, 1.0f, true), 0.5f);
   EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.5f, 1.0f, false), 1.0f);
-  EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1001.5f, 1.0f, true), 1.0f);
+  // A row spanning one and a half core lengths is cut half as long again.
+  EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1001.5f, 1.0f, true), 1.5f);
+  EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1001.5f, 1.0f, false), 1.0f);
   for (float cl : {kRealNull, 0.0f, -1.0f}) EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.5f, cl, true), 1.0f) << cl;
   EXPECT_FLOAT_EQ(coreFraction(1000.0f, 1000.0f, 1.0f, true), 0.0f);
   EXPECT_LT(coreFraction(1001.0f, 1000.0f, 1.0f, true), 0.0f);
@@ -53,6 +57,26 @@ TEST(ShortenRow, KeepsTheShallowEndRoundingHalvesUp) {
   // 0.9999 of 1000 pixels is 999.9 -> 1000: the row stays whole.
   EXPECT_EQ(shortenRow({100, 0, 1100, 10}, {RowAxis::AlongX, false}, 0.9999f), (RowBox{100, 0, 1100, 10}));
   EXPECT_EQ(shortenRow(column, {RowAxis::AlongY, true}, 1.0f), column);
+}
+
+TEST(ShortenRow, AFractionAboveOneReachesPastTheRectangleFromItsShallowEnd) {
+  const RowBox along{100, 50, 1100, 150}, column{50, 100, 150, 1100};
+  EXPECT_EQ(shortenRow(along, {RowAxis::AlongX, false}, 1.5f), (RowBox{100, 50, 1600, 150}));
+  EXPECT_EQ(shortenRow(along, {RowAxis::AlongX, true}, 1.5f), (RowBox{-400, 50, 1100, 150}));
+  EXPECT_EQ(shortenRow(column, {RowAxis::AlongY, false}, 2.0f), (RowBox{50, 100, 150, 2100}));
+  EXPECT_EQ(shortenRow(column, {RowAxis::AlongY, true}, 2.0f), (RowBox{50, -900, 150, 1100}));
+  // However far, the end stays within the coordinate limit.
+  EXPECT_EQ(shortenRow(along, {RowAxis::AlongX, false}, 1e30f).right, kCoordinateLimit);
+  EXPECT_EQ(shortenRow(along, {RowAxis::AlongX, true}, 1e30f).left, -kCoordinateLimit);
+}
+
+TEST(BoundingBox, VerticesNearTheIntegerLimitsAreHeldWithoutOverflow) {
+  const RowBox box = boundingBox({{INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}});
+  EXPECT_EQ(box, (RowBox{-kCoordinateLimit, -kCoordinateLimit, kCoordinateLimit, kCoordinateLimit}));
+  EXPECT_EQ(box.width(), 2 * kCoordinateLimit);
+  EXPECT_EQ(box.pixelBox().height, 2 * kCoordinateLimit);
+  EXPECT_EQ(scaleBox(box, {1e30f, 0.5f}), (RowBox{-kCoordinateLimit, -kCoordinateLimit / 2, kCoordinateLimit,
+                                                  kCoordinateLimit / 2}));
 }
 
 TEST(SizeFactors, ProportionsTruncationRuleAndReduction) {
