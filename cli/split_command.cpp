@@ -40,6 +40,14 @@
 namespace subsurf::cli {
 namespace {
 
+// A photograph named by the session that is not there to be opened is
+// unreadable input (exit 2); one that opens but is damaged, or claims more
+// pixels than the limit, costs only its own rows (exit 1).
+bool photoFileMissing(const std::string& path) {
+  std::error_code ec;
+  return !std::filesystem::is_regular_file(path, ec) || ::access(path.c_str(), R_OK) != 0;
+}
+
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
@@ -423,8 +431,8 @@ int runSplit(const SplitArgs& args) {
           std::printf("  %s Core %d: %s\n", o.sourceFile.c_str(), r.number, std::string(rowProblem(r)).c_str());
   }
   std::fflush(stdout);
-  // A photograph that cannot be read is unreadable input, as for any command.
-  if (totals.photosFailed > 0) return kExitBadInput;
+  for (const auto& o : outcomes)
+    if (o.status != 0 && photoFileMissing(split::locatePhoto(o.sourceFile))) return kExitBadInput;
   return totals.rowsFailed > 0 || reportFailed ? kExitPartial : kExitOk;
 }
 
@@ -471,7 +479,7 @@ int runPreview(const PreviewArgs& args) {
     image::PixelSize size;
     if (!image::readPixelSize(job.photoPath, size)) {  // "Error loading: ..." shown
       ++failed;
-      ++unreadable;
+      if (photoFileMissing(job.photoPath)) ++unreadable;
       continue;
     }
     std::vector<drawing::PreviewOutline> outlines;

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "core/session_files.h"
+#include "core/split_manifest.h"
 #include "core/split_report.h"
 #include "host/fixed_text.h"
 
@@ -26,6 +27,17 @@ Status checkName(std::string_view sessionFile, std::string_view keyword, const s
       sessionFile, keyword, name));
 }
 
+// True when path is missing, empty or not a regular file (which the writer
+// itself handles), or when it begins with the text this run writes first.
+bool beginsAs(const std::string& path, std::string_view head) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode) || st.st_size == 0) return true;
+  std::ifstream in(path, std::ios::binary);
+  std::string first(head.size(), '\0');
+  in.read(first.data(), static_cast<std::streamsize>(first.size()));
+  return in && first == head;
+}
+
 }  // namespace
 
 Status checkSessionOutputNames(const SessionOptions& session, std::string_view sessionFile,
@@ -40,14 +52,15 @@ Status checkSessionOutputNames(const SessionOptions& session, std::string_view s
 }
 
 Status checkReportReplaceable(const std::string& path) {
-  struct stat st {};
-  if (::stat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode) || st.st_size == 0) return Status::ok();
-  std::ifstream in(path, std::ios::binary);
-  std::string first(kReportTitle.size(), '\0');
-  in.read(first.data(), static_cast<std::streamsize>(first.size()));
-  if (in && first == kReportTitle) return Status::ok();
+  if (beginsAs(path, kReportTitle)) return Status::ok();
   return Status::error(
       fmt::format("{} is not a table of clipping depths; it is left as it is (name another report file)", path));
+}
+
+Status checkManifestReplaceable(const std::string& path) {
+  if (beginsAs(path, kManifestHeader)) return Status::ok();
+  return Status::error(
+      fmt::format("{} is not a split manifest; it is left as it is (name another manifest file)", path));
 }
 
 }  // namespace subsurf::split

@@ -4,7 +4,8 @@
 // file names, never paths, so that no session can make a run write or create
 // folders outside the output folder the user chose. And a run replaces only
 // files of the kind it writes: the table of clipping depths only a previous
-// table (row images are guarded by image::AtomicOutput).
+// table, the manifest only a previous manifest (row images are guarded by
+// image::AtomicOutput).
 #pragma once
 
 #include <string>
@@ -28,5 +29,9 @@ Status checkSessionOutputNames(const SessionOptions& session, std::string_view s
 // Fails when path holds a non-empty file that does not begin as a table of
 // clipping depths does.
 Status checkReportReplaceable(const std::string& path);
+
+// Fails when path holds a non-empty file that does not begin with the
+// manifest's header line.
+Status checkManifestReplaceable(const std::string& path);
 
 }  // namespace subsurf::split

@@ -6,6 +6,7 @@
 #include <map>
 
 #include "core/name_depths.h"
+#include "core/output_guard.h"
 #include "core/split_naming.h"
 #include "host/atomic_file.h"
 #include "host/fixed_text.h"
@@ -91,6 +92,10 @@ Status writeManifest(const ManifestOptions& manifest, const std::vector<std::str
     const std::string text = fmt::format("{}: the folder for the manifest cannot be made", manifest.path);
     host::showMessage(text);
     return Status::error(text);
+  }
+  if (Status guard = checkManifestReplaceable(manifest.path); !guard) {
+    host::showMessage(guard.message());
+    return guard;
   }
   AtomicFile file;
   if (Status s = file.open(manifest.path); !s) {

@@ -63,7 +63,7 @@ TEST_F(HostileSession, TheReportReplacesOnlyAReport) {
             std::string::npos)
       << r.err;
   EXPECT_EQ(readAll(notes), "well,notes\nkeep,me\n");
-  EXPECT_EQ(filesIn(out).size(), 15u);  // the rows are written all the same
+  EXPECT_EQ(filesIn(out).size(), 16u);  // the rows are written all the same, and their manifest
   // A previous report is replaced.
   const std::string table = dir.file("table.csv");
   ASSERT_EQ(run("split " + sessionFile + " --out " + out + " --report " + table).status, 0);
@@ -71,6 +71,27 @@ TEST_F(HostileSession, TheReportReplacesOnlyAReport) {
   r = run("split " + sessionFile + " --out " + out + " --report " + table);
   EXPECT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(readAll(table), first);
+}
+
+TEST_F(HostileSession, TheManifestReplacesOnlyAManifest) {
+  const std::string list = dir.file("holes.csv");
+  writeAll(list, "hole,azimuth\nK-DD-51,270\n");
+  CommandRun r = run("split " + sessionFile + " --out " + out + " --manifest " + list);
+  EXPECT_EQ(r.status, 1);
+  EXPECT_NE(r.err.find("slabber: " + list + " is not a split manifest; it is left as it is (name another manifest "
+                       "file)\n"),
+            std::string::npos)
+      << r.err;
+  EXPECT_EQ(readAll(list), "hole,azimuth\nK-DD-51,270\n");
+  EXPECT_EQ(filesIn(out).size(), 15u);  // the rows are written all the same
+  // A previous manifest is replaced by the same lines.
+  const std::string manifest = dir.file("m.csv");
+  ASSERT_EQ(run("split " + sessionFile + " --out " + out + " --manifest " + manifest).status, 0);
+  const std::string first = readAll(manifest);
+  r = run("split " + sessionFile + " --out " + out + " --manifest " + manifest);
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(readAll(manifest), first);
+  EXPECT_EQ(readLines(manifest).size(), 16u);  // header and fifteen rows
 }
 
 TEST_F(HostileSession, ARowImageReplacesOnlyAnImageAndItsReportLineIsStillWritten) {
