@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "cli_support.h"
+#include "detect_command.h"
 #include "core/core_session.h"
 #include "core/image_settings.h"
 #include "core/session_files.h"
@@ -38,6 +39,7 @@ struct NewOptions {
   int cores = 0;
   bool uv = false;
   bool force = false;
+  bool detectRows = false;
 };
 
 struct ShowOptions {
@@ -148,10 +150,20 @@ int runNew(const NewOptions& o) {
       setInteger(image->intSetting(kIntCoreNumber), CoreSession::rectangleCount(*image));
   }
 
+  std::vector<PhotoRows> detections;
+  // Rows found in each photograph: each tray keeps its own count when the
+  // depths are laid out, where a carried run would give them all the first's.
+  std::vector<int> coresOf(static_cast<std::size_t>(session.imageCount()) + 1, o.cores);
+  if (o.detectRows) {
+    detections = detectRows(session, {}, o.cores, 0);
+    for (int place = 1; place <= session.imageCount() && o.cores < 1; ++place)
+      coresOf[place] = CoreSession::rectangleCount(*session.imageAt(place));
+  }
+
   // Typed depths start the run at the first photograph; a depth interval in
   // a file name then wins for that tray and starts a new run from it, so
   // photographs whose names hold no interval follow the tray before them.
-  if (o.top && o.base && carryFrom(session, 1, *o.top, *o.base, o.cores) != 0) return kExitBadInput;
+  if (o.top && o.base && carryFrom(session, 1, *o.top, *o.base, coresOf[1]) != 0) return kExitBadInput;
   if (o.depthsFromNames) {
     for (int place = 1; place <= session.imageCount(); ++place) {
       CoreImage* image = session.imageAt(place);
@@ -162,7 +174,7 @@ int runNew(const NewOptions& o) {
         continue;
       }
       if (!(parsed.top < parsed.base)) return fail(fmt::format("{}: {}", name, kTopNotAboveBase));
-      if (carryFrom(session, place, parsed.top, parsed.base, o.cores) != 0) return kExitBadInput;
+      if (carryFrom(session, place, parsed.top, parsed.base, coresOf[place]) != 0) return kExitBadInput;
     }
   }
 
@@ -179,11 +191,13 @@ int runNew(const NewOptions& o) {
   }
   std::printf("%s: %d image%s, %d row%s\n", path.c_str(), session.imageCount(), session.imageCount() == 1 ? "" : "s",
               rows, rows == 1 ? "" : "s");
+  const int unsure = o.detectRows ? printDetections(detections) : 0;
   const bool depthsAsked = o.depthsFromNames || (o.top && o.base);
   if (depthsAsked && withoutDepths > 0) {
     host::showMessage(fmt::format("{} image{} without depths", withoutDepths, withoutDepths == 1 ? "" : "s"));
     return kExitPartial;
   }
+  if (unsure > 0) return kExitPartial;
   return kExitOk;
 }
 
@@ -311,6 +325,10 @@ void addSessionCommands(CLI::App& app, int& exitCode) {
   auto* rows = make->add_option("--rows", newOptions->rows, "Lay N equal horizontal bands across each photo")
                    ->check(CLI::Range(1, kMostBands));
   templ->excludes(rows);
+  auto* detect = make->add_flag("--detect-rows", newOptions->detectRows,
+                                "Find the core rows of each photo and lay one rectangle per row");
+  detect->excludes(templ);
+  detect->excludes(rows);
   make->add_flag("--depths-from-names", newOptions->depthsFromNames,
                  "Read each tray's depth interval from its file name (TRAY_1234_5-1236_0.jpg)");
   auto* top = make->add_option("--top", newOptions->top, "Top depth of the first tray");

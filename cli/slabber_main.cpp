@@ -3,6 +3,7 @@
 
 #include "cli_support.h"
 
+#include "detect_command.h"
 #include "session_command.h"
 #include "split_command.h"
 
@@ -15,5 +16,6 @@ int main(int argc, char** argv) {
   int exitCode = subsurf::cli::kExitOk;
   subsurf::cli::addSessionCommands(app, exitCode);
   subsurf::cli::addSplitCommands(app, exitCode);
+  subsurf::cli::addDetectCommand(app, exitCode);
   return subsurf::cli::runApp(app, argc, argv, exitCode);
 }

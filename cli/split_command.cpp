@@ -20,6 +20,7 @@
 
 #include "cli_support.h"
 #include "core/core_session.h"
+#include "core/row_layout.h"
 #include "core/session_files.h"
 #include "core/split_naming.h"
 #include "core/split_process.h"
@@ -426,6 +427,7 @@ int runPreview(const PreviewArgs& args) {
                         {double(box.left), double(box.bottom)}};
       outlines.push_back(std::move(outline));
     }
+    previewOptions.warning = rowsNeedChecking(*ri.image) ? "! " + rowVerdict(*ri.image) : std::string();
     std::string stub = split::fileStub(job.photoPath);
     if (stubs[stub] > 1) stub += fmt::format("_{}", ri.place);
     const std::string png = split::joinFolder(folder, stub + "_preview.png");
