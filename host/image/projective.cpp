@@ -1,5 +1,6 @@
 #include "host/image/projective.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -30,12 +31,28 @@ bool solve(double (&a)[n][n], double (&b)[n]) {
   return true;
 }
 
+// True when three of the four points lie on one line (within rounding).
+bool threeInLine(const std::array<PlanePoint, 4>& p) {
+  double size = 0;
+  for (const PlanePoint& q : p) size = std::max({size, std::fabs(q.x - p[0].x), std::fabs(q.y - p[0].y)});
+  for (int skip = 0; skip < 4; ++skip) {
+    int i[3], n = 0;
+    for (int k = 0; k < 4; ++k)
+      if (k != skip) i[n++] = k;
+    const PlanePoint a = p[i[0]], b = p[i[1]], c = p[i[2]];
+    const double cross = (b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y);
+    if (std::fabs(cross) <= 1e-9 * size * size) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 Homography::Homography() : m_{1, 0, 0, 0, 1, 0, 0, 0, 1} {}
 
 bool Homography::fromQuads(const std::array<PlanePoint, 4>& from, const std::array<PlanePoint, 4>& to,
                            Homography& out) {
+  if (threeInLine(from) || threeInLine(to)) return false;
   // x' = (h0 x + h1 y + h2) / (h6 x + h7 y + 1), y' likewise with h3..h5.
   double a[8][8] = {};
   double b[8] = {};
