@@ -251,30 +251,6 @@ Lattice fitLattice(const std::vector<Band>& bands, const std::vector<bool>& usab
   return best;
 }
 
-// The two strongest separate peaks of a profile in [a, b), in order; fewer when there are none.
-std::vector<int> strongestPeaks(const std::vector<double>& p, int a, int b, int count) {
-  std::vector<int> peaks;
-  a = std::max(a, 1);
-  b = std::min(b, static_cast<int>(p.size()) - 1);
-  for (int y = a; y < b; ++y)
-    if (p[y] >= p[y - 1] && p[y] > p[y + 1]) peaks.push_back(y);
-  std::sort(peaks.begin(), peaks.end(), [&](int u, int v) { return p[u] > p[v]; });
-  std::vector<int> chosen;
-  for (int y : peaks) {
-    if (std::all_of(chosen.begin(), chosen.end(), [&](int c) { return std::abs(c - y) >= 2; })) chosen.push_back(y);
-    if (static_cast<int>(chosen.size()) == count) break;
-  }
-  std::sort(chosen.begin(), chosen.end());
-  return chosen;
-}
-
-// The strongest peak within radius of `around`; `around` itself when there is none.
-double snapToPeak(const std::vector<double>& p, double around, double radius) {
-  const std::vector<int> peak = strongestPeaks(p, static_cast<int>(std::floor(around - radius)),
-                                               static_cast<int>(std::ceil(around + radius)) + 1, 1);
-  return peak.empty() ? around : peak.front();
-}
-
 // Where sign * p is largest in [a, b); -1 when it is nowhere positive.
 int strongestSigned(const std::vector<double>& p, int a, int b, double sign) {
   int best = -1;
@@ -398,39 +374,91 @@ Reading readAcross(const Gray& g, int expected) {
     r.doubt = "no rows of core stand out";
     return r;
   }
-  // Expected rows not all seen: empty compartments at the ends, on the side
-  // whose walls show more clearly.
-  auto wallsAt = [&](double centre, double pitch) {
-    if (centre - 0.5 * pitch < 0 || centre + 0.5 * pitch > g.h) return -1.0;
-    const double a = snapToPeak(edges, centre - 0.45 * pitch, 0.1 * pitch);
-    const double b = snapToPeak(edges, centre + 0.45 * pitch, 0.1 * pitch);
-    return edges[static_cast<int>(a)] + edges[static_cast<int>(b)];
+  // How clearly a compartment's walls show at a lattice place: the picture
+  // darkens going into it at the top and brightens going out at the bottom.
+  std::vector<double> matchedHeights;
+  for (int b : first.bandOfPlace)
+    if (b >= 0) matchedHeights.push_back(bands[b].height());
+  const double half = 0.5 * percentile(matchedHeights, 0.5) / 0.8;
+  auto walls = [&](double centre, double pitch) {
+    if (centre - half < 0 || centre + half > g.h) return -1.0;
+    const double r = 0.1 * pitch;
+    const int top = strongestSigned(p.brightening, static_cast<int>(centre - half - r), static_cast<int>(centre - half + r) + 1, -1.0);
+    const int bottom = strongestSigned(p.brightening, static_cast<int>(centre + half - r), static_cast<int>(centre + half + r) + 1, 1.0);
+    return (top >= 0 ? -p.brightening[top] : 0.0) + (bottom >= 0 ? p.brightening[bottom] : 0.0);
   };
-  while (expected > 0 && static_cast<int>(first.bandOfPlace.size()) < expected) {
-    const double before = wallsAt(first.centre(-1), first.pitch);
-    const double after = wallsAt(first.centre(static_cast<int>(first.bandOfPlace.size())), first.pitch);
-    if (before < 0 && after < 0) break;
-    if (before > after) {
-      first.bandOfPlace.insert(first.bandOfPlace.begin(), -1);
-      --first.first;
-    } else {
-      first.bandOfPlace.push_back(-1);
+  std::vector<double> evidence;
+  for (int k = 0; k < static_cast<int>(first.bandOfPlace.size()); ++k)
+    if (first.bandOfPlace[k] >= 0) evidence.push_back(walls(first.centre(k), first.pitch));
+  const double typicalWalls = percentile(evidence, 0.5);
+
+  // An empty place without walls is no compartment: the lattice has run on
+  // over the header of a second tray, and is cut there.
+  auto trimmed = [](Lattice l) {
+    while (!l.bandOfPlace.empty() && l.bandOfPlace.front() < 0) l.bandOfPlace.erase(l.bandOfPlace.begin()), ++l.first;
+    while (!l.bandOfPlace.empty() && l.bandOfPlace.back() < 0) l.bandOfPlace.pop_back();
+    return l;
+  };
+  {
+    Lattice piece = first;
+    piece.bandOfPlace.clear();
+    for (int k = 0; k < static_cast<int>(first.bandOfPlace.size()); ++k) {
+      const bool compartment = first.bandOfPlace[k] >= 0 || walls(first.centre(k), first.pitch) >= 0.35 * typicalWalls;
+      if (!compartment) {
+        if (piece.matched() > 0) trays.push_back(trimmed(piece));
+        piece.bandOfPlace.clear();
+        piece.first = first.first + k + 1;
+        continue;
+      }
+      piece.bandOfPlace.push_back(first.bandOfPlace[k]);
     }
+    if (piece.matched() > 0) trays.push_back(trimmed(piece));
   }
-  trays.push_back(first);
-  // Bands off the first tray: a second tray beside it, or strays (a tape, a label).
+  // Bands off the trays: a second tray beside the first, or strays (a tape, a label).
   auto onLattice = [&](const Lattice& l, const Band& b) {
     const double lo2 = l.centre(0) - 0.5 * l.pitch, hi2 = l.centre(static_cast<int>(l.bandOfPlace.size()) - 1) + 0.5 * l.pitch;
     return b.centre() >= lo2 && b.centre() <= hi2;
   };
-  for (std::size_t m = 0; m < bands.size(); ++m) usable[m] = !onLattice(first, bands[m]);
-  if (std::count(usable.begin(), usable.end(), true) >= 2) {
+  for (std::size_t m = 0; m < bands.size(); ++m)
+    usable[m] = std::none_of(trays.begin(), trays.end(), [&](const Lattice& l) { return onLattice(l, bands[m]); });
+  if (trays.size() == 1 && std::count(usable.begin(), usable.end(), true) >= 2) {
     const Lattice second = fitLattice(bands, usable, 0.8 * first.pitch, 1.25 * first.pitch);
     if (second.matched() >= 2) {
       trays.push_back(second);
       for (std::size_t m = 0; m < bands.size(); ++m)
         if (usable[m] && onLattice(second, bands[m])) usable[m] = false;
     }
+  }
+  // Empty compartments at the ends of a tray show only by their walls; when a
+  // count is expected, places are added at the ends whose walls show best
+  // until it is reached.
+  auto extendOnce = [&](double least) {
+    double best = least;
+    Lattice* where = nullptr;
+    bool before = false;
+    for (Lattice& l : trays) {
+      const double a = walls(l.centre(-1), l.pitch), b = walls(l.centre(static_cast<int>(l.bandOfPlace.size())), l.pitch);
+      auto clear = [&](double c) {
+        return std::none_of(trays.begin(), trays.end(), [&](const Lattice& o) {
+          return &o != &l && c > o.centre(0) - 0.5 * o.pitch && c < o.centre(static_cast<int>(o.bandOfPlace.size()) - 1) + 0.5 * o.pitch;
+        });
+      };
+      if (a > best && clear(l.centre(-1))) best = a, where = &l, before = true;
+      if (b > best && clear(l.centre(static_cast<int>(l.bandOfPlace.size())))) best = b, where = &l, before = false;
+    }
+    if (!where) return false;
+    if (before) where->bandOfPlace.insert(where->bandOfPlace.begin(), -1), --where->first;
+    else where->bandOfPlace.push_back(-1);
+    return true;
+  };
+  auto placeCount = [&] {
+    int n = 0;
+    for (const Lattice& l : trays) n += static_cast<int>(l.bandOfPlace.size());
+    return n;
+  };
+  for (int added = 0; added < 3 && extendOnce(0.75 * typicalWalls); ++added) {
+  }
+  while (expected > 0 && placeCount() < expected && extendOnce(0.3 * typicalWalls)) {
   }
   int strays = 0;
   for (std::size_t m = 0; m < bands.size(); ++m)
@@ -543,10 +571,13 @@ RowDetection RowDetector::detect(const image::RasterView& reduced, int fullWidth
   const Reading across = readAcross(gray, result.expectedRows);
   const Reading down = readAcross(transposed(gray), result.expectedRows);
   auto agrees = [&](const Reading& r) { return result.expectedRows == 0 || static_cast<int>(r.rows.size()) == result.expectedRows; };
-  // A reading that agrees with the count expected beats one that does not;
-  // otherwise the more confident one wins, rows across when equal.
+  // The more confident reading wins, rows across when equal; but a sure
+  // reading that agrees with the count expected beats one that does not.
   bool useDown = down.confidence > across.confidence;
-  if (agrees(across) != agrees(down)) useDown = agrees(down);
+  if (agrees(across) != agrees(down)) {
+    const Reading& agreeing = agrees(down) ? down : across;
+    if (agreeing.confidence >= kConfidenceThreshold) useDown = agrees(down);
+  }
   const Reading& r = useDown ? down : across;
   result.rowsAcross = !useDown;
   result.confidence = r.confidence;
