@@ -128,4 +128,22 @@ void warpPicture(const RasterView& source, const Homography& outToSource, Raster
   }
 }
 
+bool cutQuadrilateral(const RasterView& source, const std::array<PlanePoint, 4>& corners, Raster& out,
+                      const std::uint8_t fill[3]) {
+  auto length = [](PlanePoint a, PlanePoint b) { return std::hypot(b.x - a.x, b.y - a.y); };
+  const double width = std::max(length(corners[0], corners[1]), length(corners[3], corners[2]));
+  const double height = std::max(length(corners[1], corners[2]), length(corners[0], corners[3]));
+  const int w = std::max(1, static_cast<int>(std::lround(width)));
+  const int h = std::max(1, static_cast<int>(std::lround(height)));
+  const std::array<PlanePoint, 4> upright{PlanePoint{0, 0}, {double(w), 0}, {double(w), double(h)}, {0, double(h)}};
+  Homography toSource;
+  if (!Homography::fromQuads(upright, corners, toSource)) {
+    out = Raster();
+    return false;
+  }
+  out = Raster(w, h);
+  warpPicture(source, toSource, out, fill);
+  return true;
+}
+
 }  // namespace subsurf::image

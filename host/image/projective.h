@@ -40,4 +40,14 @@ class Homography {
 // take the colour `fill`.
 void warpPicture(const RasterView& source, const Homography& outToSource, Raster& out, const std::uint8_t fill[3]);
 
+// Cuts the quadrilateral `corners` out of `source` and maps it onto an
+// upright rectangle: corners[0] to the top-left, [1] top-right, [2]
+// bottom-right, [3] bottom-left. The result is as wide as the longer of the
+// sides 0-1 and 3-2 and as high as the longer of 1-2 and 0-3 (rounded to whole
+// pixels, at least 1), sampled bilinearly; parts of the quadrilateral off the
+// source take the colour `fill`. False, leaving `out` empty, when three
+// corners lie on one line.
+bool cutQuadrilateral(const RasterView& source, const std::array<PlanePoint, 4>& corners, Raster& out,
+                      const std::uint8_t fill[3]);
+
 }  // namespace subsurf::image
