@@ -11,6 +11,7 @@
 #include "core/row_layout.h"
 #include "host/drawing/sample_tray.h"
 #include "host/drawing/varied_tray.h"
+#include "tray_test_support.h"
 
 namespace subsurf {
 namespace {
@@ -75,11 +76,7 @@ TEST(RowDetection, GivesRowsInThePhotographsOwnPixels) {
 }
 
 TEST(RowDetection, ReadsRowsRunningDownThePhotographLeftToRight) {
-  drawing::VariedTraySpec spec;
-  spec.tray.width = 800;
-  spec.tray.height = 533;
-  spec.tray.rows = 6;
-  spec.tray.seed = 5;
+  drawing::VariedTraySpec spec = testing::squareOnTray(800, 533, 6, 5);
   spec.rowsDown = true;
   const drawing::VariedTray tray = drawing::renderVariedTray(spec);
   const RowDetection found = RowDetector().detect(tray.pixels.view(), 800, 533, 0);
@@ -92,11 +89,7 @@ TEST(RowDetection, ReadsRowsRunningDownThePhotographLeftToRight) {
 }
 
 TEST(RowDetection, TakesInTheSlantOfATurnedCamera) {
-  drawing::VariedTraySpec spec;
-  spec.tray.width = 800;
-  spec.tray.height = 533;
-  spec.tray.rows = 5;
-  spec.tray.seed = 12;
+  drawing::VariedTraySpec spec = testing::squareOnTray(800, 533, 5, 12);
   spec.rotationDegrees = 0.8;
   spec.lightFalloff = 0.3;
   const drawing::VariedTray tray = drawing::renderVariedTray(spec);

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "host/drawing/varied_tray.h"
+#include "tray_test_support.h"
 #include "host/image/projective.h"
 
 namespace subsurf {
@@ -31,11 +32,7 @@ double meanDifference(const image::Raster& a, const image::Raster& b, double shi
 }
 
 TEST(TiltedTray, RowsCutFromTheTiltedPhotographMatchTheFlatOnes) {
-  drawing::VariedTraySpec flat;
-  flat.tray.width = 900;
-  flat.tray.height = 600;
-  flat.tray.rows = 4;
-  flat.tray.seed = 21;
+  drawing::VariedTraySpec flat = testing::squareOnTray(900, 600, 4, 21);
   drawing::VariedTraySpec tilted = flat;
   tilted.rotationDegrees = 0.8;
   tilted.keystone = 0.03;
@@ -63,11 +60,7 @@ TEST(TiltedTray, RowsCutFromTheTiltedPhotographMatchTheFlatOnes) {
 }
 
 TEST(TiltedTray, ASquareCutOfAnUprightRectangleIsThePlainCrop) {
-  drawing::VariedTraySpec flat;
-  flat.tray.width = 600;
-  flat.tray.height = 400;
-  flat.tray.rows = 2;
-  flat.tray.seed = 4;
+  drawing::VariedTraySpec flat = testing::squareOnTray(600, 400, 2, 4);
   const drawing::VariedTray tray = drawing::renderVariedTray(flat);
   const image::PixelBox box = tray.rows[1].box;
   const std::array<image::PlanePoint, 4> corners{
