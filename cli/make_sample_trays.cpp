@@ -8,9 +8,15 @@
 //
 //   make_sample_trays --out data/samples --count 3
 //   make_sample_trays --out /tmp/bench --width 6000 --height 4000 --count 1
+//   make_sample_trays --out /tmp/varied --count 60 --varied
+//
+// With --varied every tray differs (material, rows, orientation, chart and
+// board, camera angle, light, ultraviolet); the true compartments of the rows
+// go to <out>/truth.json instead, for measuring how well rows are found.
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -19,6 +25,7 @@
 
 #include "host/atomic_file.h"
 #include "host/drawing/sample_tray.h"
+#include "host/drawing/varied_tray.h"
 #include "host/image/image_writer.h"
 
 namespace {
@@ -31,6 +38,7 @@ int run(int argc, char** argv) {
   std::uint64_t seed = 1;
   std::string well = "SUBSURF-1";
   std::string layoutPath;
+  bool varied = false;
   app.add_option("-o,--out", outDir, "Folder for the photographs")->capture_default_str();
   app.add_option("--width", width, "Photograph width in pixels")->capture_default_str()->check(CLI::Range(64, 30000));
   app.add_option("--height", height, "Photograph height in pixels")->capture_default_str()->check(CLI::Range(64, 30000));
@@ -42,6 +50,7 @@ int run(int argc, char** argv) {
   app.add_option("--well", well, "Well name on the label cards")->capture_default_str();
   app.add_option("--quality", quality, "JPEG quality")->capture_default_str()->check(CLI::Range(1, 100));
   app.add_option("--layout", layoutPath, "JSON file for the row rectangles (default: <out>/trays.json)");
+  app.add_flag("--varied", varied, "Draw a varied set and write the true compartments to <out>/truth.json");
   CLI11_PARSE(app, argc, argv);
 
   std::error_code ec;
@@ -50,12 +59,45 @@ int run(int argc, char** argv) {
     std::cerr << "make_sample_trays: cannot create " << outDir << ": " << ec.message() << "\n";
     return 2;
   }
-  if (layoutPath.empty()) layoutPath = (std::filesystem::path(outDir) / "trays.json").string();
+  if (layoutPath.empty())
+    layoutPath = (std::filesystem::path(outDir) / (varied ? "truth.json" : "trays.json")).string();
 
   nlohmann::json layout = nlohmann::json::array();
-  std::cout << "file,row,top,base,left,top_px,width,height\n";
+  if (!varied) std::cout << "file,row,top,base,left,top_px,width,height\n";
   double trayTop = top;
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; varied && i < count; ++i) {
+    const auto spec = subsurf::drawing::variedTraySpec(seed * 1000 + static_cast<std::uint64_t>(i), width, height,
+                                                       trayTop, well);
+    const subsurf::drawing::VariedTray tray = subsurf::drawing::renderVariedTray(spec);
+    const std::string name = subsurf::drawing::sampleTrayFileName(tray.top, tray.base);
+    subsurf::image::WriteOptions options;
+    options.jpegQuality = quality;
+    if (!subsurf::image::writeImage(tray.pixels.view(), (std::filesystem::path(outDir) / name).string(),
+                                    subsurf::image::ImageFormat::Jpeg, options)) {
+      return 1;
+    }
+    nlohmann::json entry = {{"file", name},          {"width", tray.pixels.width()},
+                            {"height", tray.pixels.height()}, {"top", tray.top},
+                            {"base", tray.base},      {"rows_down", spec.rowsDown},
+                            {"description", subsurf::drawing::describeSpec(spec)},
+                            {"rows", nlohmann::json::array()}};
+    for (const auto& row : tray.rows) {
+      nlohmann::json corners = nlohmann::json::array();
+      for (const auto& p : row.corners) corners.push_back({std::round(p.x * 10) / 10, std::round(p.y * 10) / 10});
+      entry["rows"].push_back({{"row", row.index},
+                               {"top", row.top},
+                               {"base", row.base},
+                               {"corners", corners},
+                               {"left", row.box.left},
+                               {"top_px", row.box.top},
+                               {"width", row.box.width},
+                               {"height", row.box.height}});
+    }
+    std::cout << name << ": " << entry["description"].get<std::string>() << "\n";
+    layout.push_back(entry);
+    trayTop = tray.base;
+  }
+  for (int i = 0; !varied && i < count; ++i) {
     subsurf::drawing::SampleTraySpec spec;
     spec.width = width;
     spec.height = height;

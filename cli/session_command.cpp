@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "cli_support.h"
+#include "detect_command.h"
 #include "core/core_session.h"
 #include "core/depth_sources.h"
 #include "core/depth_table.h"
@@ -46,6 +47,7 @@ struct NewOptions {
   bool force = false;
   bool carry = false;
   bool keepOrder = false;
+  bool detectRows = false;
 };
 
 struct ShowOptions {
@@ -183,6 +185,11 @@ int runNew(const NewOptions& o) {
       setInteger(image->intSetting(kIntCoreNumber), CoreSession::rectangleCount(*image));
   }
 
+  // Rows found in each photograph; each tray then lays its depths out over
+  // the rows found in it (its "Core Number"), unless --cores says otherwise.
+  std::vector<PhotoRows> detections;
+  if (o.detectRows) detections = detectRows(session, {}, o.cores, 0);
+
   // Typed depths are the first tray's; an interval read from a name is that
   // tray's own. No tray is given depths it was not given unless --carry asks.
   if (o.top && o.base) setTrayDepths(*session.imageAt(1), *o.top, *o.base, o.cores);
@@ -209,14 +216,18 @@ int runNew(const NewOptions& o) {
   std::printf("%s: %d image%s, %d row%s\n", path.c_str(), session.imageCount(), session.imageCount() == 1 ? "" : "s",
               rows, rows == 1 ? "" : "s");
   printCarried(session, carried);
+  const int unsure = o.detectRows ? printDetections(detections) : 0;
   // Photos left without depths make the exit status 1 only when depths were
   // asked for; a session made for depths typed later is counted all the same.
   const bool depthsAsked = o.depthsFromNames || (o.top && o.base) || o.carry;
-  if (!depthsAsked) {
+  int status = kExitOk;
+  if (depthsAsked) {
+    status = reportDepths(session, carried);
+  } else {
     std::printf("%s\n", countDepths(session, carried).text().c_str());
-    return kExitOk;
   }
-  return reportDepths(session, carried);
+  if (unsure > 0 && status == kExitOk) status = kExitPartial;
+  return status;
 }
 
 // ---------------------------------------------------------------------------
@@ -426,6 +437,10 @@ void addSessionCommands(CLI::App& app, int& exitCode) {
   auto* rows = make->add_option("--rows", newOptions->rows, "Lay N equal horizontal bands across each photo")
                    ->check(CLI::Range(1, kMostBands));
   templ->excludes(rows);
+  auto* detect = make->add_flag("--detect-rows", newOptions->detectRows,
+                                "Find the core rows of each photo and lay one rectangle per row");
+  detect->excludes(templ);
+  detect->excludes(rows);
   make->add_flag("--depths-from-names", newOptions->depthsFromNames,
                  "Read each tray's depth interval from its file name (TRAY_1234_5-1236_0.jpg,\n"
                  "K-DD-51_BOX(04) 9.0-12.00.JPG; see docs/depths-from-names.md). Names that cannot\n"

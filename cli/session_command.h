@@ -1,7 +1,7 @@
 // slabber session commands: making, showing and editing session files, and
 // the library of rectangle templates.
 //
-//   slabber new SESSION PHOTO... [--template NAME | --rows N] [--depths-from-names]
+//   slabber new SESSION PHOTO... [--template NAME | --rows N | --detect-rows] [--depths-from-names]
 //                                [--top T --base B] [--cores N] [--uv] [--force]
 //   slabber show SESSION [--rows]
 //   slabber depths SESSION --from K --top T --base B [--cores N]

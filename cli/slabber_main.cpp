@@ -4,6 +4,7 @@
 #include "cli_support.h"
 #include "subsurf/units.h"
 
+#include "detect_command.h"
 #include "edit_command.h"
 #include "rows_command.h"
 #include "session_command.h"
@@ -21,5 +22,6 @@ int main(int argc, char** argv) {
   subsurf::cli::addSplitCommands(app, exitCode);
   subsurf::cli::addRowsCommand(app, exitCode);
   subsurf::cli::addEditCommand(app, exitCode);
+  subsurf::cli::addDetectCommand(app, exitCode);
   return subsurf::cli::runApp(app, argc, argv, exitCode);
 }

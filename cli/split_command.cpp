@@ -25,6 +25,7 @@
 #include "core/layout_checks.h"
 #include "core/output_guard.h"
 #include "core/output_plan.h"
+#include "core/row_layout.h"
 #include "core/session_files.h"
 #include "core/split_manifest.h"
 #include "core/split_naming.h"
@@ -507,6 +508,7 @@ int runPreview(const PreviewArgs& args) {
                                                       split::rowBoxes(job, size.width, size.height), size.width,
                                                       size.height))
       host::showMessage(w);
+    previewOptions.warning = rowsNeedChecking(*ri.image) ? "! " + rowVerdict(*ri.image) : std::string();
     std::string stub = split::fileStub(job.photoPath);
     if (stubs[stub] > 1) stub += fmt::format("_{}", ri.place);
     const std::string png = split::joinFolder(folder, stub + "_preview.png");

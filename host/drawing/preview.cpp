@@ -118,6 +118,18 @@ Status render(const VImage& reduced, double scaleX, double scaleY, const std::ve
     const double inset = lineWidth + 2.0;
     drawLabel(cr.get(), text, left * scaleX + inset, top * scaleY + inset, fontSize, rgb, w, h);
   }
+  if (!options.warning.empty()) {
+    // Across the whole top, so that it cannot be missed among the outlines.
+    cairo_select_font_face(cr.get(), "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
+    cairo_set_font_size(cr.get(), fontSize * 1.2);
+    const double band = fontSize * 2.2;
+    cairo_set_source_rgba(cr.get(), 0.85, 0.05, 0.05, 0.88);
+    cairo_rectangle(cr.get(), 0, 0, w, band);
+    cairo_fill(cr.get());
+    cairo_set_source_rgb(cr.get(), 1, 1, 1);
+    cairo_move_to(cr.get(), fontSize * 0.6, band * 0.5 + fontSize * 0.45);
+    cairo_show_text(cr.get(), options.warning.c_str());
+  }
   cr.reset();
   cairo_surface_flush(surface.get());
 

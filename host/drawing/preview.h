@@ -28,6 +28,7 @@ struct PreviewOptions {
   int longestSide = 1600;   // the preview is reduced so its longer side is at most this
   double lineWidth = 3.0;   // outline thickness in preview pixels
   double fontSize = 0.0;    // label height in preview pixels; 0 picks one from the preview size
+  std::string warning;      // when not empty, written in a red band across the top
 };
 
 // Draws the preview of the photograph at photoPath into pngPath (written

@@ -155,6 +155,7 @@ struct Layout {
   int channelLeft = 0, channelRight = 0;
   double coreDiameter = 0;
   std::vector<RowPlan> rows;
+  TrayLook look;
 };
 
 void planRow(Layout& L, RowPlan& row, Random& rnd, std::uint32_t seed) {
@@ -236,7 +237,8 @@ Layout planTray(const SampleTraySpec& spec, Random& rnd) {
   const double shiftX = rnd.uniform(-0.01, 0.01) * spec.width;
   const double shiftY = rnd.uniform(-0.01, 0.01) * spec.height;
   L.trayLeft = static_cast<int>(0.04 * spec.width + shiftX);
-  L.trayRight = static_cast<int>(0.96 * spec.width + shiftX);
+  L.trayRight = static_cast<int>((spec.look.sideObjects ? 0.76 : 0.96) * spec.width + shiftX);
+  L.look = spec.look;
   L.trayTop = static_cast<int>(0.045 * spec.height + shiftY);
   L.trayBottom = static_cast<int>(0.955 * spec.height + shiftY);
   L.frame = std::max(2, static_cast<int>(0.016 * spec.width));
@@ -261,6 +263,17 @@ Layout planTray(const SampleTraySpec& spec, Random& rnd) {
     planRow(L, row, rnd, static_cast<std::uint32_t>(spec.seed * 1000003u + r * 7127u));
     L.rows.push_back(std::move(row));
   }
+  if (spec.look.emptyRowChance > 0) {
+    // Drawn from a generator of its own, so the rows' contents stay those of
+    // the same tray with every compartment filled.
+    Random choice(spec.look.seed * 31 + spec.seed);
+    for (RowPlan& row : L.rows) {
+      if (!choice.chance(spec.look.emptyRowChance)) continue;
+      row.pieces.clear();
+      row.rubble.clear();
+      row.fractures.clear();
+    }
+  }
   return L;
 }
 
@@ -274,6 +287,24 @@ Rgb woodColour(double x, double y, double u, std::uint32_t seed) {
   const Rgb light{182, 136, 88}, dark{128, 86, 50};
   Rgb c = mix(light, dark, 0.55 * rings + 0.25 * fbm(x / (40 * u), y / (40 * u), seed + 5, 2));
   return c;
+}
+
+// The tray's own surface: frame, walls and channel floors.
+Rgb trayColour(const Layout& L, double x, double y, double u, std::uint32_t seed) {
+  switch (L.look.material) {
+    case TrayMaterial::Wood:
+      break;
+    case TrayMaterial::Plastic: {
+      const Rgb c{L.look.colour[0], L.look.colour[1], L.look.colour[2]};
+      return scale(c, 0.95 + 0.1 * fbm(x / (80 * u), y / (80 * u), seed, 2));
+    }
+    case TrayMaterial::Cardboard: {
+      const Rgb c{196, 170, 128};
+      const double fibre = lattice(static_cast<int>(x / (1.5 * u)), static_cast<int>(y / (1.5 * u)), seed + 3);
+      return scale(c, 0.9 + 0.12 * fbm(x / (50 * u), y / (50 * u), seed, 2) + 0.05 * fibre);
+    }
+  }
+  return woodColour(x, y, u, seed);
 }
 
 Rgb backgroundColour(double x, double y, double u, std::uint32_t seed) {
@@ -342,7 +373,7 @@ void paintPixels(std::uint32_t* data, int stride, const Layout& L, std::uint32_t
       const bool inChannel = row != nullptr && x >= L.channelLeft && x < L.channelRight;
       if (!inChannel) {
         // Frame, header board and dividing walls: the tray's top surface.
-        Rgb c = woodColour(x, y, u, seed + 77);
+        Rgb c = trayColour(L, x, y, u, seed + 77);
         if (y >= L.headerTop && y < L.headerBottom && x >= L.channelLeft && x < L.channelRight) {
           c = scale(c, 0.95);
         }
@@ -352,7 +383,7 @@ void paintPixels(std::uint32_t* data, int stride, const Layout& L, std::uint32_t
       // Channel floor, darker and shaded by the wall above it.
       const double floorShade = 0.55 + 0.3 * smoothstep(0, 0.4 * (row->channelBottom - row->channelTop),
                                                            y - row->channelTop);
-      Rgb c = scale(woodColour(x, y * 0.5, u, seed + 91), floorShade);
+      Rgb c = scale(trayColour(L, x, y * 0.5, u, seed + 91), floorShade);
       const double along = x - L.channelLeft;
       // The core's own shadow on the floor below and beside it.
       for (const Piece& p : row->pieces) {
@@ -563,6 +594,59 @@ void drawDepthTags(cairo_t* cr, const Layout& L) {
   }
 }
 
+// A colour chart, a ruler and a whiteboard with the hole's name, laid on the
+// table to the right of the tray, as photographers of core sheds do.
+void drawSideObjects(cairo_t* cr, const Layout& L, const SampleTraySpec& spec, Random& rnd) {
+  const double left = L.trayRight + 0.03 * L.width;
+  const double width = L.width - left - 0.02 * L.width;
+  if (width < 8) return;
+  // The chart: four columns of six patches.
+  const double patch = width / 4.4;
+  const double chartTop = L.trayTop + rnd.uniform(0.0, 0.1) * L.height;
+  cairo_set_source_rgb(cr, 0.08, 0.08, 0.08);
+  cairo_rectangle(cr, left, chartTop, width, patch * 6.4);
+  cairo_fill(cr);
+  for (int i = 0; i < 24; ++i) {
+    const double g = (i % 6) / 5.0;
+    const double hue = i / 24.0;
+    cairo_set_source_rgb(cr, i >= 18 ? g : 0.5 + 0.45 * std::sin(6.28 * hue),
+                         i >= 18 ? g : 0.5 + 0.45 * std::sin(6.28 * hue + 2.1),
+                         i >= 18 ? g : 0.5 + 0.45 * std::sin(6.28 * hue + 4.2));
+    cairo_rectangle(cr, left + 0.2 * patch + (i / 6) * patch * 1.0, chartTop + 0.2 * patch + (i % 6) * patch,
+                    0.85 * patch, 0.85 * patch);
+    cairo_fill(cr);
+  }
+  // A ruler along the table, with centimetre ticks.
+  const double rulerTop = chartTop + patch * 7;
+  const double rulerHeight = std::min(0.35 * L.height, L.trayBottom - rulerTop);
+  if (rulerHeight > 20) {
+    cairo_set_source_rgb(cr, 0.92, 0.92, 0.88);
+    cairo_rectangle(cr, left, rulerTop, 0.18 * width, rulerHeight);
+    cairo_fill(cr);
+    cairo_set_source_rgb(cr, 0.1, 0.1, 0.1);
+    cairo_set_line_width(cr, std::max(1.0, L.u));
+    for (double y = rulerTop; y < rulerTop + rulerHeight; y += 8 * L.u) {
+      cairo_move_to(cr, left, y);
+      cairo_line_to(cr, left + 0.08 * width, y);
+      cairo_stroke(cr);
+    }
+  }
+  // The board with the hole's name.
+  const double boardLeft = left + 0.28 * width;
+  if (rulerHeight > 20) {
+    cairo_set_source_rgb(cr, 0.97, 0.97, 0.97);
+    cairo_rectangle(cr, boardLeft, rulerTop, 0.72 * width, 0.5 * rulerHeight);
+    cairo_fill(cr);
+    cairo_set_source_rgb(cr, 0.1, 0.1, 0.5);
+    cairo_select_font_face(cr, "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
+    cairo_set_font_size(cr, 0.12 * width);
+    cairo_move_to(cr, boardLeft + 0.05 * width, rulerTop + 0.2 * rulerHeight);
+    cairo_show_text(cr, spec.well.c_str());
+    cairo_move_to(cr, boardLeft + 0.05 * width, rulerTop + 0.4 * rulerHeight);
+    cairo_show_text(cr, fmt::format("BOX {}", spec.trayNumber).c_str());
+  }
+}
+
 }  // namespace
 
 std::string sampleTrayFileName(double top, double base) {
@@ -603,6 +687,10 @@ SampleTray renderSampleTray(const SampleTraySpec& spec) {
     drawTape(cr.get(), L, spec.rowLength);
     drawLabelCard(cr.get(), L, spec, tray.top, tray.base, rnd);
     drawDepthTags(cr.get(), L);
+    if (spec.look.sideObjects) {
+      Random side(spec.look.seed * 17 + 5);
+      drawSideObjects(cr.get(), L, s, side);
+    }
   }
   cairo_surface_flush(surface.get());
   finishPixels(data, stride, L, seed);
@@ -626,6 +714,7 @@ SampleTray renderSampleTray(const SampleTraySpec& spec) {
     const int coreTop = static_cast<int>(std::lround(r.centreY - L.coreDiameter / 2));
     const int coreBottom = static_cast<int>(std::lround(r.centreY + L.coreDiameter / 2));
     row.box = {L.channelLeft, coreTop, L.channelRight - L.channelLeft, coreBottom - coreTop};
+    row.compartment = {L.channelLeft, r.channelTop, L.channelRight - L.channelLeft, r.channelBottom - r.channelTop};
     tray.rows.push_back(row);
   }
   return tray;

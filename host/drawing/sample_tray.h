@@ -19,6 +19,20 @@
 
 namespace subsurf::drawing {
 
+// What the tray is made of. Wood is the default look; plastic trays are one
+// flat colour, cardboard ones pale and fibrous.
+enum class TrayMaterial { Wood, Plastic, Cardboard };
+
+// Departures from the default look, for test sets that must be varied. The
+// defaults draw the default tray exactly as before.
+struct TrayLook {
+  TrayMaterial material = TrayMaterial::Wood;
+  double colour[3] = {60, 62, 70};  // RGB 0..255 of a plastic tray
+  double emptyRowChance = 0.0;      // chance that a compartment holds no core
+  bool sideObjects = false;         // colour chart, ruler and board beside a narrower tray
+  std::uint64_t seed = 0;           // of these choices, apart from the drawing's own
+};
+
 struct SampleTraySpec {
   int width = 2400;
   int height = 1600;
@@ -28,6 +42,7 @@ struct SampleTraySpec {
   std::string well = "SUBSURF-1";
   int trayNumber = 1;
   std::uint64_t seed = 1;
+  TrayLook look;
 };
 
 // One core row as drawn: its depth interval and the pixel rectangle holding
@@ -37,6 +52,7 @@ struct SampleRow {
   double top = 0.0;
   double base = 0.0;
   image::PixelBox box;
+  image::PixelBox compartment;  // the whole channel between its walls
 };
 
 struct SampleTray {
