@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/fixed_text.h"
+#include "host/messages.h"
 #include "host/nulls.h"
 #include "host/paths.h"
 #include "plot/plot_elements.h"
@@ -184,6 +185,37 @@ void ZW_LINECOPYTOGVEC(DT_RVEC* x, DT_RVEC* y, int* status) {
 void ZW_LINECOPYFROMGVEC(const DT_RVEC* x, const DT_RVEC* y, int* status) {
   if (!x || !y || x->N != y->N || x->N < 0 || (x->N > 0 && (!x->V || !y->V))) return set(status, 1);
   ZW_LINEDEFPTS(&x->N, x->V, y->V, status);
+}
+
+void ZW_LINEWRITE(char* text, const int* capacity, int* length, int* status) {
+  set(status, 1);
+  set(length, 0);
+  try {
+    const ss::LineElement* l = currentLine();
+    const int room = capacity ? *capacity : 0;
+    if (!l || !text || room <= 0) return;
+    const std::string record = ss::lineRecordText(*l);
+    if (record.size() > static_cast<std::size_t>(room)) return;
+    ss::setFixed(text, static_cast<std::size_t>(room), record);
+    set(length, static_cast<int>(record.size()));
+    set(status, 0);
+  } catch (...) {
+  }
+}
+
+void ZW_LINEREAD(const char* text, const int* length, int* status) {
+  set(status, 1);
+  try {
+    ss::PlotSet* s = ss::plotTree().currentSet();
+    const int n = length ? *length : 0;
+    if (!s || !text || n <= 0) return;
+    ss::LineElement read;
+    if (auto r = ss::readLineRecordText(std::string_view(text, static_cast<std::size_t>(n)), read); !r)
+      return ss::host::showMessage(r.message());
+    s->lines.add(std::move(read));
+    set(status, 0);
+  } catch (...) {
+  }
 }
 
 void ZW_ZPWRITEDO(ZW_ZP** plot, const char* file, char* message, int* status) {

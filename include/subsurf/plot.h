@@ -281,6 +281,13 @@ void ZW_LINEMAKE1(const int* n, const float* x, const float* y, int* status);
  * same number of values. Units are not touched. */
 void ZW_LINECOPYTOGVEC(DT_RVEC* x, DT_RVEC* y, int* status);
 void ZW_LINECOPYFROMGVEC(const DT_RVEC* x, const DT_RVEC* y, int* status);
+/* The current line as the "line" record of a plot file (docs/file-formats.md),
+ * blank-padded into text of capacity characters, length := its length; status 1
+ * without a current line or when it does not fit. ZW_LINEREAD adds a line to
+ * the current set from such a record of length characters (it gets a new id);
+ * a record that is not one is reported in a message, nothing added. */
+void ZW_LINEWRITE(char* text, const int* capacity, int* length, int* status);
+void ZW_LINEREAD(const char* text, const int* length, int* status);
 
 /* ---- Bitmaps of the current plot -------------------------------------- */
 void ZW_ZBMNBM(int* n);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/messages.h"
 #include "host/nulls.h"
 #include "plot/plot_tree.h"
 #include "subsurf/plot.h"
@@ -230,6 +231,62 @@ TEST_F(LineShapesTest, VectorsRoundTripAndShortVectorsSaySo) {
   ZW_LINECOPYFROMGVEC(&uneven, &y, &status);
   EXPECT_EQ(status, 1);
   EXPECT_EQ(points().x.size(), 3u);  // the line kept its points
+}
+
+TEST_F(LineShapesTest, ALineRecordRoundTripsAndDamageIsNamed) {
+  const float x[] = {1.5f, 2, subsurf::kRealNull}, y[] = {-3, 4e6f, subsurf::kRealNull};
+  const int n = 3;
+  int status = 1;
+  ZW_LINEDEFPTS(&n, x, y, &status);
+  ZW_LINE rec;
+  ZW_LINEGET(&rec, &status);
+  rec.STYLE = 2;
+  rec.COLOUR = 7;
+  std::memset(rec.NAME, ' ', sizeof rec.NAME);
+  std::memcpy(rec.NAME, "Trend, 1st", 10);
+  ZW_LINEDEF(&rec, &status);
+
+  char text[400];
+  int capacity = 400, length = 0;
+  ZW_LINEWRITE(text, &capacity, &length, &status);
+  ASSERT_EQ(status, 0);
+  const std::string record(text, static_cast<std::size_t>(length));
+  EXPECT_EQ(record.substr(0, 5), "line,");
+  EXPECT_EQ(std::string(text + length, 400 - static_cast<std::size_t>(length)), std::string(400 - static_cast<std::size_t>(length), ' '));
+
+  ZW_LINEREAD(text, &length, &status);
+  ASSERT_EQ(status, 0);
+  int lines = 0;
+  ZW_LINENLIN(&lines);
+  ASSERT_EQ(lines, 2);
+  ZW_LINE back;
+  ZW_LINEGET(&back, &status);
+  EXPECT_EQ(back.ID, 2);  // a read line gets a new id
+  EXPECT_EQ(back.STYLE, 2);
+  EXPECT_EQ(back.COLOUR, 7);
+  EXPECT_EQ(std::string(back.NAME, 10), "Trend, 1st");
+  EXPECT_EQ(points().x, (std::vector<float>{1.5f, 2, subsurf::kRealNull}));
+  EXPECT_EQ(points().y, (std::vector<float>{-3, 4e6f, subsurf::kRealNull}));
+
+  int tiny = 10;
+  ZW_LINEWRITE(text, &tiny, &length, &status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(length, 0);
+
+  subsurf::host::clearRecorded();
+  const std::string notLine = "zps_name,Brent";
+  const std::string badCount = "line,1,1,1,0.25,0,0,0,x,2,0,0";
+  int len = static_cast<int>(notLine.size());
+  ZW_LINEREAD(notLine.c_str(), &len, &status);
+  EXPECT_EQ(status, 1);
+  len = static_cast<int>(badCount.size());
+  ZW_LINEREAD(badCount.c_str(), &len, &status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(subsurf::host::recordedMessages(),
+            (std::vector<std::string>{"not a \"line\" record: \"zps_name\"",
+                                      "\"line\": the count 2 in column 10 does not match the 2 values that follow"}));
+  ZW_LINENLIN(&lines);
+  EXPECT_EQ(lines, 2);
 }
 
 TEST(PlotFileWithoutScreen, FaultsComeBackAsTextAndAGoodFileRoundTrips) {
