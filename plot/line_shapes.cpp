@@ -116,6 +116,9 @@ void ZW_LINEDEFCURVED(const int* n, const float* x, const float* y, const int* s
   const int count = n ? *n : 0;
   const int per = steps ? *steps : 0;
   if (count < 2 || !x || !y || per < 1 || per > 100) return set(status, 1);
+  // Every point steers its neighbours' spans: a curve cannot pass an unknown one.
+  for (int k = 0; k < count; ++k)
+    if (!known(x[k]) || !known(y[k])) return set(status, 1);
   std::vector<float> cx, cy;
   try {
     cx.reserve(static_cast<std::size_t>((count - 1) * per + 1));

@@ -261,9 +261,9 @@ void ZW_LINECLIP(int* status);
  * line at x across its y window; LINEDEF4 the line y = a + b x across the x
  * window; LINEDEF5 the line through two distinct points, extended both ways and
  * cut to the window; LINEDEFCURVED a smooth curve through n points (a
- * Catmull-Rom spline, steps points per span, 1..100); BOXDEF1 a closed box of
- * half-width hw and half-height hh about (xc, yc); BOXDEF2 a closed box on the
- * set's window. */
+ * Catmull-Rom spline, steps points per span, 1..100; no point may be null);
+ * BOXDEF1 a closed box of half-width hw and half-height hh about (xc, yc);
+ * BOXDEF2 a closed box on the set's window. */
 void ZW_LINEDEF2(const float* y, int* status);
 void ZW_LINEDEF3(const float* x, int* status);
 void ZW_LINEDEF4(const float* a, const float* b, int* status);

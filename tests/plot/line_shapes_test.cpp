@@ -173,6 +173,10 @@ TEST_F(LineShapesTest, CurvesPassThroughTheirPointsAndKeepStraightRunsStraight) 
   EXPECT_EQ(status, 1);
   ZW_LINEDEFCURVED(&n, x, y, &tooMany, &status);
   EXPECT_EQ(status, 1);
+  const float gap[] = {0, subsurf::kRealNull, 4, 6};
+  ZW_LINEDEFCURVED(&n, x, gap, &steps, &status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(points().x.size(), 9u);  // the bent curve stays
 }
 
 TEST_F(LineShapesTest, ALineMadeFromTheSetsDataBreaksAtUnknownValues) {
