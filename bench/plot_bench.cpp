@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -78,7 +79,7 @@ void drawTo(benchmark::State& state, ss::drawing::OutputKind kind, const char* e
   state.counters["points_per_second"] = benchmark::Counter(1e6, benchmark::Counter::kIsIterationInvariantRate);
   state.counters["peak_rss_mb"] = peakRssMb();
   state.counters["rss_before_mb"] = before;
-  ::unlink(o.path.c_str());
+  if (!std::getenv("SUBSURF_BENCH_KEEP")) ::unlink(o.path.c_str());
 }
 
 void BM_DrawPng(benchmark::State& state) { drawTo(state, ss::drawing::OutputKind::Png, ".png"); }

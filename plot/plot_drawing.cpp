@@ -250,11 +250,14 @@ class MarkerLayer {
 
   // Counts a marker centred at (hx, hy), counted from the layer's corner less
   // the reach: centres outside the area count for the part of them that shows.
-  void add(int hx, int hy) {
+  // The count for such a centre, or null when none of the marker shows.
+  std::uint16_t* cell(int hx, int hy) {
     if (static_cast<unsigned>(hx) >= static_cast<unsigned>(hitsWidth_) ||
         static_cast<unsigned>(hy) >= static_cast<unsigned>(hitsHeight_))
-      return;
-    std::uint16_t& h = hits_[static_cast<std::size_t>(hy) * static_cast<std::size_t>(hitsWidth_) + static_cast<std::size_t>(hx)];
+      return nullptr;
+    return &hits_[static_cast<std::size_t>(hy) * static_cast<std::size_t>(hitsWidth_) + static_cast<std::size_t>(hx)];
+  }
+  static void add(std::uint16_t& h) {
     h = static_cast<std::uint16_t>(h + (h < kCap));  // kCap markers cover a pixel fully whatever their weight
   }
 
@@ -615,11 +618,23 @@ class PlotPainter {
     // axis tells a centre the layer holds; nulls, NaN and far values fail it.
     const AxisMap mx(sx, a.left - a.x0 + layer.reach(), a.width);
     const AxisMap my(sy, a.bottom - a.y0 + layer.reach(), -a.height);
-    for (std::size_t k = 0; k < n; ++k) {
-      const double dx = mx(xs[k]), dy = my(ys[k]);
-      if (!(std::fabs(dx) < 1e9 && std::fabs(dy) < 1e9)) continue;
-      // Floor, not truncation, for the few centres left of or above the corner.
-      layer.add(static_cast<int>(dx + 1e9) - 1000000000, static_cast<int>(dy + 1e9) - 1000000000);
+    // Counts are scattered over megabytes in the data's order: the cells of a
+    // batch are found and fetched first, so their cache misses overlap.
+    constexpr std::size_t kBatch = 64;
+    std::array<std::uint16_t*, kBatch> cells{};
+    for (std::size_t start = 0; start < n; start += kBatch) {
+      const std::size_t m = std::min(kBatch, n - start);
+      std::size_t found = 0;
+      for (std::size_t k = start; k < start + m; ++k) {
+        const double dx = mx(xs[k]), dy = my(ys[k]);
+        if (!(std::fabs(dx) < 1e9 && std::fabs(dy) < 1e9)) continue;
+        // Floor, not truncation, for the few centres left of or above the corner.
+        if (std::uint16_t* c = layer.cell(static_cast<int>(dx + 1e9) - 1000000000, static_cast<int>(dy + 1e9) - 1000000000)) {
+          __builtin_prefetch(c, 1);
+          cells[found++] = c;
+        }
+      }
+      for (std::size_t k = 0; k < found; ++k) MarkerLayer::add(*cells[k]);
     }
     layer.spread();
     layer.paint(data, stride, colour);

@@ -126,6 +126,14 @@ void visitSet(V& v, PlotSet& s) {
 
 // ---- Writing -------------------------------------------------------------
 
+// A line's fields after its key: id, style, colour, width, symbol, closed,
+// fixed, name, the point count and the x y pairs.
+void appendLine(CsvRow& row, const LineElement& l) {
+  row.addInt(l.ID).addInt(l.STYLE).addInt(l.COLOUR).addReal(l.WIDTH).addInt(l.SYMBOL).addInt(l.CLOSED);
+  row.addInt(l.FIXED).addText(fixedText(l.NAME)).addInt(static_cast<int>(l.x.size()));
+  for (std::size_t k = 0; k < l.x.size(); ++k) row.addReal(l.x[k]).addReal(l.y[k]);
+}
+
 class RowWriter {
  public:
   explicit RowWriter(std::ostringstream& out) : out_(out) {}
@@ -165,9 +173,7 @@ class RowWriter {
   void field(const char* key, const ElementList<LineElement>& lines) {
     for (const LineElement& l : lines) {
       CsvRow row = start(key);
-      row.addInt(l.ID).addInt(l.STYLE).addInt(l.COLOUR).addReal(l.WIDTH).addInt(l.SYMBOL).addInt(l.CLOSED);
-      row.addInt(l.FIXED).addText(fixedText(l.NAME)).addInt(static_cast<int>(l.x.size()));
-      for (std::size_t k = 0; k < l.x.size(); ++k) row.addReal(l.x[k]).addReal(l.y[k]);
+      appendLine(row, l);
       put(row);
     }
   }
@@ -221,6 +227,23 @@ std::string readCount(const CsvRow& row, int column, int perItem, int& n) {
   const int present = static_cast<int>(row.size()) - column;
   if (n < 0 || static_cast<long long>(n) * perItem != present)
     return fmt::format("the count {} in column {} does not match the {} values that follow", n, column, present);
+  return {};
+}
+
+// The fields of a "line" record (see appendLine).
+std::string readLine(const CsvRow& row, LineElement& l) {
+  int n = 0;
+  for (auto e : {readInt(row, 2, l.ID), readInt(row, 3, l.STYLE), readInt(row, 4, l.COLOUR),
+                 readReal(row, 5, l.WIDTH), readInt(row, 6, l.SYMBOL), readInt(row, 7, l.CLOSED),
+                 readInt(row, 8, l.FIXED), readCount(row, 10, 2, n)})
+    if (!e.empty()) return e;
+  setFixed(l.NAME, row.field(9));
+  std::vector<float> x(static_cast<std::size_t>(n)), y(static_cast<std::size_t>(n));
+  for (int k = 0; k < n; ++k) {
+    if (auto e = readReal(row, 11 + 2 * k, x[static_cast<std::size_t>(k)]); !e.empty()) return e;
+    if (auto e = readReal(row, 12 + 2 * k, y[static_cast<std::size_t>(k)]); !e.empty()) return e;
+  }
+  l.setPoints(std::move(x), std::move(y));
   return {};
 }
 
@@ -283,18 +306,7 @@ class KeyBinder {
     lines.clear();
     bind(key, [&lines](const CsvRow& row) {
       LineElement l;
-      int n = 0;
-      for (auto e : {readInt(row, 2, l.ID), readInt(row, 3, l.STYLE), readInt(row, 4, l.COLOUR),
-                     readReal(row, 5, l.WIDTH), readInt(row, 6, l.SYMBOL), readInt(row, 7, l.CLOSED),
-                     readInt(row, 8, l.FIXED), readCount(row, 10, 2, n)})
-        if (!e.empty()) return e;
-      setFixed(l.NAME, row.field(9));
-      std::vector<float> x(static_cast<std::size_t>(n)), y(static_cast<std::size_t>(n));
-      for (int k = 0; k < n; ++k) {
-        if (auto e = readReal(row, 11 + 2 * k, x[static_cast<std::size_t>(k)]); !e.empty()) return e;
-        if (auto e = readReal(row, 12 + 2 * k, y[static_cast<std::size_t>(k)]); !e.empty()) return e;
-      }
-      l.setPoints(std::move(x), std::move(y));
+      if (auto e = readLine(row, l); !e.empty()) return e;
       // Lines keep the ids they were saved with.
       const int id = l.ID;
       lines.add(std::move(l)).ID = id;
@@ -411,6 +423,22 @@ class PlotFileParser {
 };
 
 }  // namespace
+
+std::string lineRecordText(const LineElement& line) {
+  CsvRow row;
+  row.addText("line");
+  appendLine(row, line);
+  return row.str();
+}
+
+Status readLineRecordText(std::string_view text, LineElement& line) {
+  const CsvRow row = CsvRow::parse(text);
+  if (row.field(1) != "line") return Status::error(fmt::format("not a \"line\" record: \"{}\"", row.field(1)));
+  LineElement read;
+  if (auto e = readLine(row, read); !e.empty()) return Status::error("\"line\": " + e);
+  line = std::move(read);
+  return Status::ok();
+}
 
 std::string plotFileText(const PlotRecord& plot) {
   std::ostringstream out;

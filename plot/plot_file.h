@@ -10,6 +10,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "host/status.h"
 #include "plot/plot_tree.h"
@@ -25,6 +26,11 @@ Status writePlotFile(const PlotRecord& plot, const std::string& path);
 // links, bitmaps and legend stay. On failure (a message naming the file and
 // line) the plot is unchanged.
 Status readPlotFile(const std::string& path, PlotRecord& plot);
+
+// One line as the "line" record of a plot file (no line end), and back; a
+// record that is not one is refused with what is wrong and the line unchanged.
+std::string lineRecordText(const LineElement& line);
+Status readLineRecordText(std::string_view text, LineElement& line);
 
 // The lines of a plot file, as written (for tests and previews).
 std::string plotFileText(const PlotRecord& plot);

@@ -14,7 +14,7 @@ build_packages=(
 test_packages=(imagemagick chromium chromium-driver python3-selenium)
 # Only the benchmarks need these: peer tools measured in the same run.
 bench_packages=(hyperfine imagemagick libjpeg-turbo-progs libvips-tools python3-numpy time)
-build_packages+=(libpng-dev)            # PNG pages of plots, written directly
+build_packages+=(libdeflate-dev)        # PNG pages of plots, compressed whole
 bench_packages+=(python3-matplotlib)    # the peer of the plot benchmark
 
 wanted=("${build_packages[@]}" "${test_packages[@]}")

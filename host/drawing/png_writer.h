@@ -2,8 +2,9 @@
 //
 // Cairo's own PNG writer lets libpng try every row filter at its default
 // compression, which costs more than drawing a million points. Drawn pages
-// are mostly flat colour, so the "Sub" filter with a fast zlib level gives
-// files within a few per cent of that size in a fraction of the time.
+// are mostly flat colour: unfiltered rows compressed whole by libdeflate at a
+// fast level give files as small as zlib's fast levels in about two thirds of
+// its time (zlib's checksum alone is a tenth of a million-point page).
 #pragma once
 
 #include <cairo.h>

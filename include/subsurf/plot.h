@@ -255,6 +255,40 @@ void ZW_LINETRX(const float* a, const float* b, int* status);
  * null point. */
 void ZW_LINECLIP(int* status);
 
+/* More ways to give the current line its points (status 1 when there is no
+ * current line, or the set's window lacks a limit the shape needs):
+ * LINEDEF2 a level line at y across the set's x window; LINEDEF3 an upright
+ * line at x across its y window; LINEDEF4 the line y = a + b x across the x
+ * window; LINEDEF5 the line through two distinct points, extended both ways and
+ * cut to the window; LINEDEFCURVED a smooth curve through n points (a
+ * Catmull-Rom spline, steps points per span, 1..100; no point may be null);
+ * BOXDEF1 a closed box of half-width hw and half-height hh about (xc, yc);
+ * BOXDEF2 a closed box on the set's window. */
+void ZW_LINEDEF2(const float* y, int* status);
+void ZW_LINEDEF3(const float* x, int* status);
+void ZW_LINEDEF4(const float* a, const float* b, int* status);
+void ZW_LINEDEF5(const float* x1, const float* y1, const float* x2, const float* y2, int* status);
+void ZW_LINEDEFCURVED(const int* n, const float* x, const float* y, const int* steps, int* status);
+void ZW_BOXDEF1(const float* xc, const float* yc, const float* hw, const float* hh, int* status);
+void ZW_BOXDEF2(int* status);
+/* Lines made from data: LINEMAKE adds a line joining the current set's data
+ * points in order (null values break it); LINEMAKE1 adds one with n points. */
+void ZW_LINEMAKE(int* status);
+void ZW_LINEMAKE1(const int* n, const float* x, const float* y, int* status);
+/* The current line's points to and from vectors. To: each vector's N is its
+ * capacity on entry and its count on return; status 1 when the line has more
+ * points than fit (the first ones are copied). From: both vectors must hold the
+ * same number of values. Units are not touched. */
+void ZW_LINECOPYTOGVEC(DT_RVEC* x, DT_RVEC* y, int* status);
+void ZW_LINECOPYFROMGVEC(const DT_RVEC* x, const DT_RVEC* y, int* status);
+/* The current line as the "line" record of a plot file (docs/file-formats.md),
+ * blank-padded into text of capacity characters, length := its length; status 1
+ * without a current line or when it does not fit. ZW_LINEREAD adds a line to
+ * the current set from such a record of length characters (it gets a new id);
+ * a record that is not one is reported in a message, nothing added. */
+void ZW_LINEWRITE(char* text, const int* capacity, int* length, int* status);
+void ZW_LINEREAD(const char* text, const int* length, int* status);
+
 /* ---- Bitmaps of the current plot -------------------------------------- */
 void ZW_ZBMNBM(int* n);
 void ZW_ZBMADD(int* status);
@@ -315,6 +349,10 @@ void ZW_ZPWRITE(ZW_ZP** plot, const char* file, int* status);
  * contents but not its place in the tree. A damaged file is reported with its
  * line and leaves the plot as it was. */
 void ZW_ZPREAD(ZW_ZP** plot, const char* file, int* status);
+/* As ZW_ZPWRITE and ZW_ZPREAD for callers without a screen: a fault is put
+ * into message (200, blank-padded; blank when done) instead of a message box. */
+void ZW_ZPWRITEDO(ZW_ZP** plot, const char* file, char* message, int* status);
+void ZW_ZPREADDO(ZW_ZP** plot, const char* file, char* message, int* status);
 
 /* ---- Axes and scaling -------------------------------------------------- */
 /* Sets the scale's limits from n values by its range mode (type and mode are
