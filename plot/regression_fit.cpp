@@ -9,6 +9,7 @@
 
 #include "host/nulls.h"
 #include "host/number_text.h"
+#include "plot/sorted_percentile.h"
 
 namespace subsurf {
 
@@ -204,13 +205,6 @@ double polynomialAt(const std::vector<double>& c, double x) {
   double sum = 0;
   for (std::size_t k = c.size(); k-- > 0;) sum = sum * x + c[k];
   return sum;
-}
-
-double percentileOfSorted(const std::vector<double>& sorted, double p) {
-  const double h = (static_cast<double>(sorted.size()) - 1.0) * p / 100.0;
-  const auto low = static_cast<std::size_t>(std::floor(h));
-  if (low + 1 >= sorted.size()) return sorted.back();
-  return sorted[low] + (h - static_cast<double>(low)) * (sorted[low + 1] - sorted[low]);
 }
 
 }  // namespace
