@@ -71,4 +71,11 @@ void AtomicFile::discard() {
   }
 }
 
+Status writeFileAtomically(const std::string& target, std::string_view text) {
+  AtomicFile file;
+  if (Status s = file.open(target); !s) return s;
+  file.write(text);
+  return file.commit();
+}
+
 }  // namespace subsurf

@@ -21,6 +21,9 @@ std::string temporaryNameFor(const std::string& target);
 // Renames temp over target; on failure removes temp and names both files.
 Status replaceFile(const std::string& temp, const std::string& target);
 
+// Writes the whole text to target through an AtomicFile.
+Status writeFileAtomically(const std::string& target, std::string_view text);
+
 class AtomicFile {
  public:
   AtomicFile() = default;
