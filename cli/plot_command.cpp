@@ -15,8 +15,10 @@
 #include "host/fixed_text.h"
 #include "host/messages.h"
 #include "host/nulls.h"
+#include "host/number_text.h"
 #include "plot/axis_scales.h"
 #include "plot/crossplot.h"
+#include "plot/fitted_line.h"
 #include "plot/plot_drawing.h"
 #include "plot/plot_file.h"
 
@@ -38,6 +40,7 @@ struct PlotOptions {
   std::string size = "1600x1200";
   double dpi = 150;
   bool json = false;
+  std::string fit, form = "line", fixed;  // xy: a regression line
 };
 
 void fail(const std::string& text) { host::showMessage(text); }
@@ -126,6 +129,40 @@ int drawAll(const PlotRecord& plot, const PlotOptions& o, const std::vector<draw
   return kExitOk;
 }
 
+// Fits the line that --fit, --form and --fixed ask for and adds it to the plot.
+bool addFit(PlotRecord& plot, const PlotOptions& o, nlohmann::json& out) {
+  const auto method = regressionMethodNamed(o.fit);
+  if (!method) {
+    fail(fmt::format("--fit \"{}\" is not one of forced, x-on-y, y-on-x, rmb, rma, means", o.fit));
+    return false;
+  }
+  const auto form = regressionFormNamed(o.form);
+  if (!form) {
+    fail(fmt::format("--form \"{}\" is not one of line, power, poly2, poly3", o.form));
+    return false;
+  }
+  std::optional<FixedPoint> fixed;
+  if (!o.fixed.empty()) {
+    const auto comma = o.fixed.find(',');
+    FixedPoint p;
+    if (comma == std::string::npos || !parseReal(o.fixed.substr(0, comma), p.x) ||
+        !parseReal(o.fixed.substr(comma + 1), p.y)) {
+      fail(fmt::format("--fixed \"{}\" is not X,Y", o.fixed));
+      return false;
+    }
+    fixed = p;
+  }
+  FittedLine line;
+  if (Status s = addFittedLine(plot, *method, *form, fixed, line); !s) {
+    fail(s.message());
+    return false;
+  }
+  out = {{"method", regressionMethodName(*method)}, {"form", o.form}, {"coefficients", line.fit.coefficients},
+         {"points", line.fit.points}, {"r2", line.fit.r2}, {"cc", line.fit.cc}, {"sd", line.fit.sd},
+         {"p10", line.fit.p10}, {"p90", line.fit.p90}, {"description", line.description}, {"report", line.report}};
+  return true;
+}
+
 int runXy(const PlotOptions& o) {
   std::vector<drawing::OutputKind> kinds;
   if (!outputKinds(o, kinds)) return kExitBadInput;
@@ -136,8 +173,7 @@ int runXy(const PlotOptions& o) {
     fail(s.message());
     return kExitBadInput;
   }
-  const PlotRecord plot =
-      makeCrossplot(data, x, y, o.title, std::filesystem::path(o.data).stem().string());
+  PlotRecord plot = makeCrossplot(data, x, y, o.title, std::filesystem::path(o.data).stem().string());
   nlohmann::json report;
   report["file"] = o.data;
   report["rows"] = data.rows;
@@ -151,6 +187,13 @@ int runXy(const PlotOptions& o) {
   if (const long out = data.emptyCells + data.nullValues + data.nonFinite; out > 0 && !o.json)
     fail(fmt::format("{}: {} of {} rows left out ({} with an empty cell, {} null, {} not finite)", o.data, out,
                      data.rows, data.emptyCells, data.nullValues, data.nonFinite));
+  if (!o.fit.empty()) {
+    nlohmann::json fit;
+    if (!addFit(plot, o, fit)) return kExitBadInput;
+    report["fit"] = fit;
+    if (!o.json) std::printf("%s\n%s\n", fit["description"].get<std::string>().c_str(),
+                             fit["report"].get<std::string>().c_str());
+  }
   if (!o.save.empty()) {
     if (Status s = writePlotFile(plot, o.save); !s) {
       fail(s.message());
@@ -215,6 +258,9 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   xy->add_option("--y-max", o->y.max, "Upper y limit");
   xy->add_option("--title", o->title, "Title above the plot");
   xy->add_option("--save", o->save, "Also write the plot file FILE.zpl");
+  xy->add_option("--fit", o->fit, "Fit a regression line: forced, x-on-y, y-on-x, rmb, rma or means (docs/regression.md)");
+  xy->add_option("--form", o->form, "Form of the fitted line: line (default), power, poly2 or poly3");
+  xy->add_option("--fixed", o->fixed, "X,Y: the point a forced line passes through");
   addOutputOptions(xy, *o);
   xy->callback([o, &exitCode] { exitCode = runXy(*o); });
 
