@@ -19,6 +19,7 @@
 #include "plot/axis_scales.h"
 #include "plot/crossplot.h"
 #include "plot/fitted_line.h"
+#include "plot/stereonet_plot.h"
 #include "plot/plot_drawing.h"
 #include "plot/plot_file.h"
 
@@ -41,6 +42,9 @@ struct PlotOptions {
   double dpi = 150;
   bool json = false;
   std::string fit, form = "line", fixed;  // xy: a regression line
+  std::string dip, azimuth, net = "equal-area";  // stereonet
+  bool poles = false, planes = false, rose = false;
+  double roseWidth = 10, roseStart = 0;
 };
 
 void fail(const std::string& text) { host::showMessage(text); }
@@ -206,6 +210,56 @@ int runXy(const PlotOptions& o) {
   return kExitOk;
 }
 
+int runStereonet(const PlotOptions& o) {
+  std::vector<drawing::OutputKind> kinds;
+  if (!outputKinds(o, kinds)) return kExitBadInput;
+  StereonetRequest request;
+  if (o.net == "equal-area") request.projection = kEqualArea;
+  else if (o.net == "equal-angle") request.projection = kEqualAngle;
+  else {
+    fail(fmt::format("--net \"{}\" is not equal-area or equal-angle", o.net));
+    return kExitBadInput;
+  }
+  request.poles = o.poles;
+  request.planes = o.planes;
+  request.rose = o.rose;
+  request.roseWidth = o.roseWidth;
+  request.roseStart = o.roseStart;
+  request.title = o.title;
+  request.setName = std::filesystem::path(o.data).stem().string();
+  AxisRequest dip, azimuth;
+  dip.column = o.dip;
+  azimuth.column = o.azimuth;
+  CrossplotData data;
+  if (Status s = readCrossplotData(o.data, dip, azimuth, data); !s) {
+    fail(s.message());
+    return kExitBadInput;
+  }
+  PlotRecord plot;
+  StereonetSummary summary;
+  if (Status s = makeStereonetPlot(data.x, data.y, request, plot, summary); !s) {
+    fail(fmt::format("{}: {}", o.data, s.message()));
+    return kExitBadInput;
+  }
+  nlohmann::json report;
+  report["file"] = o.data;
+  report["rows"] = data.rows;
+  report["observations"] = summary.observations;
+  report["left_out"] = data.emptyCells + data.nullValues + data.nonFinite + summary.leftOut;
+  if (request.rose) {
+    report["rose_maximum"] = summary.roseMaximum;
+  } else if (summary.mean.n > 0) {
+    const FisherMean& m = summary.mean;
+    report["mean"] = {{"plunge", m.mean.plunge}, {"trend", m.mean.trend}, {"resultant", m.resultant},
+                      {"kappa", isNull(m.kappa) ? nlohmann::json(nullptr) : nlohmann::json(m.kappa)},
+                      {"alpha95", isNull(m.alpha95) ? nlohmann::json(nullptr) : nlohmann::json(m.alpha95)}};
+  }
+  report["outputs"] = nlohmann::json::array();
+  if (const int rc = drawAll(plot, o, kinds, report); rc != kExitOk) return rc;
+  if (o.json) std::printf("%s\n", report.dump(2).c_str());
+  return kExitOk;
+}
+
 int runDraw(const PlotOptions& o) {
   std::vector<drawing::OutputKind> kinds;
   if (!outputKinds(o, kinds)) return kExitBadInput;
@@ -263,6 +317,23 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   xy->add_option("--fixed", o->fixed, "X,Y: the point a forced line passes through");
   addOutputOptions(xy, *o);
   xy->callback([o, &exitCode] { exitCode = runXy(*o); });
+
+  CLI::App* stereo = plot->add_subcommand("stereonet", "Stereonet or rose diagram of dip and azimuth columns");
+  stereo->add_option("data", o->data, "The CSV file")->required();
+  stereo->add_option("--dip", o->dip, "Column of dips, 0 to 90 degrees")->required();
+  stereo->add_option("--azimuth", o->azimuth, "Column of dip azimuths, degrees from north")->required();
+  stereo->add_option("--net", o->net, "equal-area (default) or equal-angle");
+  stereo->add_flag("--poles", o->poles, "Plot the poles of the planes (default: the dip lines themselves)");
+  stereo->add_flag("--planes", o->planes, "Draw each plane as a great circle (up to 2000)");
+  stereo->add_flag("--rose", o->rose, "Draw a rose diagram of the azimuths instead");
+  stereo->add_option("--rose-width", o->roseWidth, "Rose class width in degrees, dividing 360 (default 10)");
+  stereo->add_option("--rose-start", o->roseStart, "Azimuth where the first rose class starts (default 0)");
+  stereo->add_option("--title", o->title, "Title above the net");
+  addOutputOptions(stereo, *o);
+  stereo->callback([o, stereo, &exitCode] {
+    if (stereo->count("--size") == 0) o->size = "1200x1200";  // a round net wants a square page
+    exitCode = runStereonet(*o);
+  });
 
   CLI::App* draw = plot->add_subcommand("draw", "Draw a saved plot file");
   draw->add_option("plotfile", o->data, "The plot file (.zpl)")->required();
