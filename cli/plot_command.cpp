@@ -19,6 +19,7 @@
 #include "plot/axis_scales.h"
 #include "plot/crossplot.h"
 #include "plot/fitted_line.h"
+#include "plot/histogram_plot.h"
 #include "plot/stereonet_plot.h"
 #include "plot/plot_drawing.h"
 #include "plot/plot_file.h"
@@ -44,6 +45,8 @@ struct PlotOptions {
   std::string fit, form = "line", fixed;  // xy: a regression line
   std::string dip, azimuth, net = "equal-area";  // stereonet
   bool poles = false, planes = false, rose = false;
+  std::string column;  // histogram
+  int bins = 0;
   double roseWidth = 10, roseStart = 0;
 };
 
@@ -260,6 +263,37 @@ int runStereonet(const PlotOptions& o) {
   return kExitOk;
 }
 
+int runHistogram(const PlotOptions& o) {
+  std::vector<drawing::OutputKind> kinds;
+  if (!outputKinds(o, kinds)) return kExitBadInput;
+  AxisRequest column;
+  column.column = o.column;
+  column.unit = o.x.unit;
+  CrossplotData data;
+  if (Status s = readCrossplotData(o.data, column, column, data); !s) {
+    fail(s.message());
+    return kExitBadInput;
+  }
+  Histogram histogram;
+  if (Status s = countHistogram(data.x, o.bins, histogram); !s) {
+    fail(fmt::format("{}: {}", o.data, s.message()));
+    return kExitBadInput;
+  }
+  const PlotRecord plot = makeHistogramPlot(histogram, data.xColumn, data.xUnit, o.title,
+                                            std::filesystem::path(o.data).stem().string());
+  nlohmann::json report;
+  report["file"] = o.data;
+  report["rows"] = data.rows;
+  report["points"] = histogram.points;
+  report["left_out"] = data.emptyCells + data.nullValues + data.nonFinite + histogram.leftOut;
+  report["edges"] = histogram.edges;
+  report["counts"] = histogram.counts;
+  report["outputs"] = nlohmann::json::array();
+  if (const int rc = drawAll(plot, o, kinds, report); rc != kExitOk) return rc;
+  if (o.json) std::printf("%s\n", report.dump(2).c_str());
+  return kExitOk;
+}
+
 int runDraw(const PlotOptions& o) {
   std::vector<drawing::OutputKind> kinds;
   if (!outputKinds(o, kinds)) return kExitBadInput;
@@ -334,6 +368,16 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
     if (stereo->count("--size") == 0) o->size = "1200x1200";  // a round net wants a square page
     exitCode = runStereonet(*o);
   });
+
+  CLI::App* hist = plot->add_subcommand("histogram", "Histogram of a CSV column");
+  hist->add_option("data", o->data, "The CSV file")->required();
+  hist->add_option("--column", o->column, "The column to count")->required();
+  hist->add_option("--unit", o->x.unit, "Show the values in this unit");
+  hist->add_option("--bins", o->bins, "Number of equal classes (default: Sturges' rule, ceil(log2 n) + 1)")
+      ->check(CLI::Range(1, 100000));
+  hist->add_option("--title", o->title, "Title above the plot");
+  addOutputOptions(hist, *o);
+  hist->callback([o, &exitCode] { exitCode = runHistogram(*o); });
 
   CLI::App* draw = plot->add_subcommand("draw", "Draw a saved plot file");
   draw->add_option("plotfile", o->data, "The plot file (.zpl)")->required();

@@ -8,6 +8,7 @@
 #include "host/fixed_text.h"
 #include "host/nulls.h"
 #include "host/number_text.h"
+#include "plot/single_set_plot.h"
 
 namespace subsurf {
 
@@ -88,14 +89,9 @@ Status makeStereonetPlot(std::span<const float> dips, std::span<const float> azi
   summary.observations = static_cast<int>(dip.size());
   if (dip.empty()) return Status::error("No valid data points!");
 
-  plot = PlotRecord{};
-  plot.annotation.texts = {};
-  plot.fields.title = fieldText(request.title, kPlotTextWidth);
+  plot = singleSetPlot(request.title, request.setName);
   plot.fields.grlc1 = 0;
-  plot.layout.ml = plot.layout.mr = plot.layout.mt = plot.layout.mb = 8;
-  plot.sets.emplace_back();
   PlotSet& set = plot.sets.back();
-  set.name = fieldText(request.setName, kSetNameWidth);
   set.ax = {0, 0, 0, 0, 0};
   for (int a = 0; a < 2; ++a) {
     ZW_SCALE& s = set.scales[static_cast<std::size_t>(a)];
