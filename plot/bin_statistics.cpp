@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 #include <fmt/format.h>
 
 #include "host/nulls.h"
 #include "host/number_text.h"
-#include "plot/sorted_percentile.h"
 
 namespace subsurf {
 
@@ -20,6 +20,19 @@ double lowerReach(double edge) { return edge - std::fabs(edge) * kEdgeTolerance;
 double upperReach(double edge) { return edge + std::fabs(edge) * kEdgeTolerance; }
 
 bool usable(float v) { return std::isfinite(v) && !isNull(v) && !isNoValue(v); }
+
+// The percentile of the sorted-rank rule (plot/sorted_percentile.h) found by
+// selection instead of a full sort: the two ranks around (m-1)·p/100 are put
+// in place by nth_element, so a bin costs O(m) per percentile. Reorders x.
+double selectedPercentile(std::vector<double>& x, double p) {
+  const double h = (static_cast<double>(x.size()) - 1.0) * p / 100.0;
+  const auto low = static_cast<std::size_t>(std::floor(h));
+  std::nth_element(x.begin(), x.begin() + static_cast<std::ptrdiff_t>(low), x.end());
+  const double below = x[low];
+  if (low + 1 >= x.size() || h == static_cast<double>(low)) return below;
+  const double above = *std::min_element(x.begin() + static_cast<std::ptrdiff_t>(low) + 1, x.end());
+  return below + (h - static_cast<double>(low)) * (above - below);
+}
 
 // A weighted mean of three percentiles with single-precision weights, the outer
 // two sharing one weight; rounded to single precision.
@@ -36,8 +49,7 @@ void summarise(std::vector<double>& x, BinStatisticsRow& row) {
         row.harmMean = kDoubleNull;
     return;
   }
-  std::sort(x.begin(), x.end());
-  for (std::size_t k = 0; k < kPercentiles.size(); ++k) row.percentiles[k] = percentileOfSorted(x, kPercentiles[k]);
+  for (std::size_t k = 0; k < kPercentiles.size(); ++k) row.percentiles[k] = selectedPercentile(x, kPercentiles[k]);
   const double m = static_cast<double>(x.size());
   double sum = 0, logSum = 0, reciprocalSum = 0;
   bool positive = true;
@@ -61,8 +73,7 @@ void summarise(std::vector<double>& x, BinStatisticsRow& row) {
   const double median = row.percentiles[3];
   std::vector<double> deviations(x.size());
   std::transform(x.begin(), x.end(), deviations.begin(), [&](double v) { return std::fabs(v - median); });
-  std::sort(deviations.begin(), deviations.end());
-  row.medianDev = percentileOfSorted(deviations, 50);
+  row.medianDev = selectedPercentile(deviations, 50);
   const auto& p = row.percentiles;
   row.pearMean = weightedMean(0.185f, 0.63f, p[5], p[3], p[1]);
   row.swanMean = weightedMean(0.3f, 0.4f, p[4], p[3], p[2]);
@@ -102,7 +113,11 @@ Status binStatistics(std::span<const float> by, std::span<const float> values, s
   for (std::size_t i = 0; i < bins; ++i) reach[i] = lowerReach(edges[i]);
   const double top = upperReach(edges[bins]);
 
-  std::vector<std::vector<double>> members(bins);
+  // Two passes: the bin of every point (or none), then each bin's values in
+  // one allocation.
+  constexpr std::uint32_t kNoBin = UINT32_MAX;
+  std::vector<std::uint32_t> binOf(by.size(), kNoBin);
+  std::vector<std::size_t> sizes(bins, 0);
   for (std::size_t i = 0; i < by.size(); ++i) {
     if (!usable(by[i]) || !usable(values[i])) {
       ++out.leftOut;
@@ -114,8 +129,13 @@ Status binStatistics(std::span<const float> by, std::span<const float> values, s
       ++out.outside;
       continue;
     }
-    members[static_cast<std::size_t>(above - reach.begin()) - 1].push_back(values[i]);
+    binOf[i] = static_cast<std::uint32_t>(above - reach.begin() - 1);
+    ++sizes[binOf[i]];
   }
+  std::vector<std::vector<double>> members(bins);
+  for (std::size_t k = 0; k < bins; ++k) members[k].reserve(sizes[k]);
+  for (std::size_t i = 0; i < by.size(); ++i)
+    if (binOf[i] != kNoBin) members[binOf[i]].push_back(values[i]);
   out.rows.resize(bins);
   for (std::size_t i = 0; i < bins; ++i) {
     BinStatisticsRow& row = out.rows[i];

@@ -172,3 +172,23 @@ TEST(BinStatistics, RoutineFillsRowsAndReportsBadEdges) {
   ASSERT_EQ(ss::host::recordedMessages().size(), 1u);
   EXPECT_EQ(ss::host::recordedMessages()[0], "Bin edges must ascend: edge 3 (5) is not above edge 2 (10)");
 }
+
+TEST(BinStatistics, SelectionGivesTheSortedRankPercentilesOnLargeBins) {
+  // 1001 and 1000 values (odd and even counts) in scrambled order.
+  for (int m : {1001, 1000}) {
+    std::vector<float> by, values;
+    for (int i = 0; i < m; ++i) {
+      by.push_back(0.5f);
+      values.push_back(static_cast<float>((i * 7919) % m));
+    }
+    const auto table = binned(by, values, {0, 1});
+    const auto& p = table.rows[0].percentiles;
+    const double top = m - 1;
+    EXPECT_DOUBLE_EQ(p[0], top);
+    EXPECT_DOUBLE_EQ(p[1], top * 0.95);
+    EXPECT_DOUBLE_EQ(p[3], top * 0.5);
+    EXPECT_DOUBLE_EQ(p[5], top * 0.05);
+    EXPECT_DOUBLE_EQ(p[6], 0.0);
+    EXPECT_DOUBLE_EQ(table.rows[0].medianDev, 250.0);  // |x - median| has median 250 for both counts
+  }
+}
