@@ -4,7 +4,9 @@
 
 #include "host/fixed_text.h"
 #include "host/nulls.h"
+#include "plot/axis_scales.h"
 #include "plot/line_description.h"
+#include "plot/single_set_plot.h"
 
 namespace subsurf {
 
@@ -78,6 +80,30 @@ Status addFittedLine(PlotRecord& plot, RegressionMethod method, RegressionForm f
   setFixed(text.TEXT, out.description);
   set.texts.add(text);
   return Status::ok();
+}
+
+PlotRecord makeResidualsPlot(const PlotRecord& crossplot, const FittedLine& line) {
+  PlotRecord plot = singleSetPlot("Residuals plot", "Residuals");
+  PlotSet& set = plot.sets.back();
+  const ZW_SCALE& xs = crossplot.sets.at(0).scales[0];
+  set.scales[0] = xs;
+  set.labels[0] = crossplot.sets.at(0).labels[0];
+  set.labels[1] = "Residual";
+  for (std::size_t i = 0; i < line.fit.residuals.size(); ++i) {
+    set.data[0].push_back(static_cast<float>(line.fit.usedX[i]));
+    set.data[1].push_back(static_cast<float>(line.fit.residuals[i]));
+  }
+  ZW_SCALE& ys = set.scales[1];
+  ys.TYPE = 1;
+  ys.MODE = 3;
+  ys.MIN = ys.MAX = kRealNull;
+  setAxisLimits(set.data[1], ys);
+  LineElement zero;
+  zero.COLOUR = kFittedLineColour;
+  setFixed(zero.NAME, "Zero line");
+  zero.setPoints({xs.MIN, xs.MAX}, {0.0f, 0.0f});
+  set.lines.add(std::move(zero));
+  return plot;
 }
 
 }  // namespace subsurf

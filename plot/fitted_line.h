@@ -26,4 +26,8 @@ struct FittedLine {
 Status addFittedLine(PlotRecord& plot, RegressionMethod method, RegressionForm form,
                      const std::optional<FixedPoint>& fixed, FittedLine& out);
 
+// The residuals window: each used point's "Residual" against x, titled
+// "Residuals plot", with a "Zero line" across the x window of the cross-plot.
+PlotRecord makeResidualsPlot(const PlotRecord& crossplot, const FittedLine& line);
+
 }  // namespace subsurf

@@ -249,6 +249,7 @@ Status fitRegression(std::span<const double> x, std::span<const double> y, Regre
   for (std::size_t i = 0; i < n; ++i) {
     if (!usable(x[i]) || !usable(y[i])) continue;
     if (power && (x[i] <= 0.0 || y[i] <= 0.0)) continue;
+    fit.usedX.push_back(x[i]);
     u.push_back(power ? std::log10(x[i]) : x[i]);
     v.push_back(power ? std::log10(y[i]) : y[i]);
   }

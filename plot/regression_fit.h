@@ -47,6 +47,7 @@ struct RegressionFit {
   double p10 = 0.0;     // 10th percentile of the residuals
   double p90 = 0.0;     // 90th percentile of the residuals
   std::vector<double> residuals;  // y - fitted y (in logs for the power form), in input order of used points
+  std::vector<double> usedX;      // x of each residual, as given
 
   // The fitted value at x (in plotted coordinates; the power form takes and gives linear values).
   double valueAt(double x) const;

@@ -68,6 +68,35 @@ TEST(FittedLine, PowerFormOnLogAxesAndBadFixedPoints) {
   EXPECT_EQ(again.sets[0].lines.count(), 0);
 }
 
+TEST(FittedLine, ResidualsPlotHasEachResidualAndAZeroLine) {
+  ss::CrossplotData data;
+  data.x = {0, 1, 2, 3};
+  data.y = {0, 2, 1, 3};
+  data.xColumn = "phi";
+  data.yColumn = "k";
+  ss::AxisRequest x, y;
+  x.column = "phi";
+  y.column = "k";
+  ss::PlotRecord plot = ss::makeCrossplot(data, x, y, "", "set");
+  ss::FittedLine line;
+  ASSERT_TRUE(ss::addFittedLine(plot, ss::RegressionMethod::YOnX, ss::RegressionForm::Line, std::nullopt, line).isOk());
+  const ss::PlotRecord residuals = ss::makeResidualsPlot(plot, line);
+  EXPECT_EQ(residuals.fields.title, "Residuals plot");
+  const ss::PlotSet& set = residuals.sets[0];
+  EXPECT_EQ(set.labels[0], "phi");
+  EXPECT_EQ(set.labels[1], "Residual");
+  // y-on-x gives y = 0.3 + 0.8x: residuals -0.3, 0.9, -0.9, 0.3.
+  ASSERT_EQ(set.pointCount(), 4);
+  EXPECT_EQ(set.data[0][1], 1.0f);
+  EXPECT_NEAR(set.data[1][1], 0.9f, 1e-6);
+  EXPECT_NEAR(set.data[1][2], -0.9f, 1e-6);
+  ASSERT_EQ(set.lines.count(), 1);
+  EXPECT_EQ(ss::fixedText(set.lines.at(1).NAME), "Zero line");
+  EXPECT_EQ(set.lines.at(1).y, (std::vector<float>{0, 0}));
+  EXPECT_LE(set.scales[1].MIN, -0.9f);
+  EXPECT_GE(set.scales[1].MAX, 0.9f);
+}
+
 class FitCommand : public ::testing::Test {
  protected:
   void SetUp() override {
