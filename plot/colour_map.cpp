@@ -179,12 +179,15 @@ std::string colourMapFileText(const ColourMap& map) {
   rows[6].addText("pins").addInt(static_cast<int>(map.pins.size()));
   for (float p : map.pins) rows[6].addReal(p);
   std::string text;
-  for (const CsvRow& row : rows) text += row.str() + "\n";
+  for (const CsvRow& row : rows) {
+    text += row.str();
+    text += '\n';
+  }
   return text;
 }
 
 Status writeColourMapFile(const ColourMap& map, const std::string& path) {
-  if (Status s = checkColourMap(map); !s) return Status::error(path + ": " + s.message());
+  if (Status s = checkColourMap(map); !s) return Status::error(fmt::format("{}: {}", path, s.message()));
   return writeFileAtomically(path, colourMapFileText(map));
 }
 
@@ -226,7 +229,7 @@ class ColourMapFileParser {
       if (!reals(row, 3 + k, {&map.pins[static_cast<std::size_t>(k)]})) return error_;
     if (file_.next(row))
       return Status::error(file_.where(fmt::format("unexpected record \"{}\" after \"pins\"", row.field(1))));
-    if (Status s = checkColourMap(map); !s) return Status::error(file_.path() + ": " + s.message());
+    if (Status s = checkColourMap(map); !s) return Status::error(fmt::format("{}: {}", file_.path(), s.message()));
     map.ich = 0;
     return Status::ok();
   }
