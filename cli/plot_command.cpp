@@ -15,8 +15,12 @@
 #include "host/fixed_text.h"
 #include "host/messages.h"
 #include "host/nulls.h"
+#include "host/number_text.h"
 #include "plot/axis_scales.h"
 #include "plot/crossplot.h"
+#include "plot/fitted_line.h"
+#include "plot/histogram_plot.h"
+#include "plot/stereonet_plot.h"
 #include "plot/plot_drawing.h"
 #include "plot/plot_file.h"
 
@@ -38,6 +42,12 @@ struct PlotOptions {
   std::string size = "1600x1200";
   double dpi = 150;
   bool json = false;
+  std::string fit, form = "line", fixed;  // xy: a regression line
+  std::string dip, azimuth, net = "equal-area";  // stereonet
+  bool poles = false, planes = false, rose = false;
+  std::string column;  // histogram
+  int bins = 0;
+  double roseWidth = 10, roseStart = 0;
 };
 
 void fail(const std::string& text) { host::showMessage(text); }
@@ -126,6 +136,40 @@ int drawAll(const PlotRecord& plot, const PlotOptions& o, const std::vector<draw
   return kExitOk;
 }
 
+// Fits the line that --fit, --form and --fixed ask for and adds it to the plot.
+bool addFit(PlotRecord& plot, const PlotOptions& o, nlohmann::json& out) {
+  const auto method = regressionMethodNamed(o.fit);
+  if (!method) {
+    fail(fmt::format("--fit \"{}\" is not one of forced, x-on-y, y-on-x, rmb, rma, means", o.fit));
+    return false;
+  }
+  const auto form = regressionFormNamed(o.form);
+  if (!form) {
+    fail(fmt::format("--form \"{}\" is not one of line, power, poly2, poly3", o.form));
+    return false;
+  }
+  std::optional<FixedPoint> fixed;
+  if (!o.fixed.empty()) {
+    const auto comma = o.fixed.find(',');
+    FixedPoint p;
+    if (comma == std::string::npos || !parseReal(o.fixed.substr(0, comma), p.x) ||
+        !parseReal(o.fixed.substr(comma + 1), p.y)) {
+      fail(fmt::format("--fixed \"{}\" is not X,Y", o.fixed));
+      return false;
+    }
+    fixed = p;
+  }
+  FittedLine line;
+  if (Status s = addFittedLine(plot, *method, *form, fixed, line); !s) {
+    fail(s.message());
+    return false;
+  }
+  out = {{"method", regressionMethodName(*method)}, {"form", o.form}, {"coefficients", line.fit.coefficients},
+         {"points", line.fit.points}, {"r2", line.fit.r2}, {"cc", line.fit.cc}, {"sd", line.fit.sd},
+         {"p10", line.fit.p10}, {"p90", line.fit.p90}, {"description", line.description}, {"report", line.report}};
+  return true;
+}
+
 int runXy(const PlotOptions& o) {
   std::vector<drawing::OutputKind> kinds;
   if (!outputKinds(o, kinds)) return kExitBadInput;
@@ -136,8 +180,7 @@ int runXy(const PlotOptions& o) {
     fail(s.message());
     return kExitBadInput;
   }
-  const PlotRecord plot =
-      makeCrossplot(data, x, y, o.title, std::filesystem::path(o.data).stem().string());
+  PlotRecord plot = makeCrossplot(data, x, y, o.title, std::filesystem::path(o.data).stem().string());
   nlohmann::json report;
   report["file"] = o.data;
   report["rows"] = data.rows;
@@ -151,6 +194,13 @@ int runXy(const PlotOptions& o) {
   if (const long out = data.emptyCells + data.nullValues + data.nonFinite; out > 0 && !o.json)
     fail(fmt::format("{}: {} of {} rows left out ({} with an empty cell, {} null, {} not finite)", o.data, out,
                      data.rows, data.emptyCells, data.nullValues, data.nonFinite));
+  if (!o.fit.empty()) {
+    nlohmann::json fit;
+    if (!addFit(plot, o, fit)) return kExitBadInput;
+    report["fit"] = fit;
+    if (!o.json) std::printf("%s\n%s\n", fit["description"].get<std::string>().c_str(),
+                             fit["report"].get<std::string>().c_str());
+  }
   if (!o.save.empty()) {
     if (Status s = writePlotFile(plot, o.save); !s) {
       fail(s.message());
@@ -158,6 +208,87 @@ int runXy(const PlotOptions& o) {
     }
     report["saved"] = o.save;
   }
+  if (const int rc = drawAll(plot, o, kinds, report); rc != kExitOk) return rc;
+  if (o.json) std::printf("%s\n", report.dump(2).c_str());
+  return kExitOk;
+}
+
+int runStereonet(const PlotOptions& o) {
+  std::vector<drawing::OutputKind> kinds;
+  if (!outputKinds(o, kinds)) return kExitBadInput;
+  StereonetRequest request;
+  if (o.net == "equal-area") request.projection = kEqualArea;
+  else if (o.net == "equal-angle") request.projection = kEqualAngle;
+  else {
+    fail(fmt::format("--net \"{}\" is not equal-area or equal-angle", o.net));
+    return kExitBadInput;
+  }
+  request.poles = o.poles;
+  request.planes = o.planes;
+  request.rose = o.rose;
+  request.roseWidth = o.roseWidth;
+  request.roseStart = o.roseStart;
+  request.title = o.title;
+  request.setName = std::filesystem::path(o.data).stem().string();
+  AxisRequest dip, azimuth;
+  dip.column = o.dip;
+  azimuth.column = o.azimuth;
+  CrossplotData data;
+  if (Status s = readCrossplotData(o.data, dip, azimuth, data); !s) {
+    fail(s.message());
+    return kExitBadInput;
+  }
+  PlotRecord plot;
+  StereonetSummary summary;
+  if (Status s = makeStereonetPlot(data.x, data.y, request, plot, summary); !s) {
+    fail(fmt::format("{}: {}", o.data, s.message()));
+    return kExitBadInput;
+  }
+  nlohmann::json report;
+  report["file"] = o.data;
+  report["rows"] = data.rows;
+  report["observations"] = summary.observations;
+  report["left_out"] = data.emptyCells + data.nullValues + data.nonFinite + summary.leftOut;
+  if (request.rose) {
+    report["rose_maximum"] = summary.roseMaximum;
+  } else if (summary.mean.n > 0) {
+    const FisherMean& m = summary.mean;
+    report["mean"] = {{"plunge", m.mean.plunge}, {"trend", m.mean.trend}, {"resultant", m.resultant},
+                      {"kappa", isNull(m.kappa) ? nlohmann::json(nullptr) : nlohmann::json(m.kappa)},
+                      {"alpha95", isNull(m.alpha95) ? nlohmann::json(nullptr) : nlohmann::json(m.alpha95)}};
+  }
+  report["outputs"] = nlohmann::json::array();
+  if (const int rc = drawAll(plot, o, kinds, report); rc != kExitOk) return rc;
+  if (o.json) std::printf("%s\n", report.dump(2).c_str());
+  return kExitOk;
+}
+
+int runHistogram(const PlotOptions& o) {
+  std::vector<drawing::OutputKind> kinds;
+  if (!outputKinds(o, kinds)) return kExitBadInput;
+  AxisRequest column;
+  column.column = o.column;
+  column.unit = o.x.unit;
+  CrossplotData data;
+  if (Status s = readCrossplotData(o.data, column, column, data); !s) {
+    fail(s.message());
+    return kExitBadInput;
+  }
+  Histogram histogram;
+  if (Status s = countHistogram(data.x, o.bins, histogram); !s) {
+    fail(fmt::format("{}: {}", o.data, s.message()));
+    return kExitBadInput;
+  }
+  const PlotRecord plot = makeHistogramPlot(histogram, data.xColumn, data.xUnit, o.title,
+                                            std::filesystem::path(o.data).stem().string());
+  nlohmann::json report;
+  report["file"] = o.data;
+  report["rows"] = data.rows;
+  report["points"] = histogram.points;
+  report["left_out"] = data.emptyCells + data.nullValues + data.nonFinite + histogram.leftOut;
+  report["edges"] = histogram.edges;
+  report["counts"] = histogram.counts;
+  report["outputs"] = nlohmann::json::array();
   if (const int rc = drawAll(plot, o, kinds, report); rc != kExitOk) return rc;
   if (o.json) std::printf("%s\n", report.dump(2).c_str());
   return kExitOk;
@@ -215,8 +346,38 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   xy->add_option("--y-max", o->y.max, "Upper y limit");
   xy->add_option("--title", o->title, "Title above the plot");
   xy->add_option("--save", o->save, "Also write the plot file FILE.zpl");
+  xy->add_option("--fit", o->fit, "Fit a regression line: forced, x-on-y, y-on-x, rmb, rma or means (docs/regression.md)");
+  xy->add_option("--form", o->form, "Form of the fitted line: line (default), power, poly2 or poly3");
+  xy->add_option("--fixed", o->fixed, "X,Y: the point a forced line passes through");
   addOutputOptions(xy, *o);
   xy->callback([o, &exitCode] { exitCode = runXy(*o); });
+
+  CLI::App* stereo = plot->add_subcommand("stereonet", "Stereonet or rose diagram of dip and azimuth columns");
+  stereo->add_option("data", o->data, "The CSV file")->required();
+  stereo->add_option("--dip", o->dip, "Column of dips, 0 to 90 degrees")->required();
+  stereo->add_option("--azimuth", o->azimuth, "Column of dip azimuths, degrees from north")->required();
+  stereo->add_option("--net", o->net, "equal-area (default) or equal-angle");
+  stereo->add_flag("--poles", o->poles, "Plot the poles of the planes (default: the dip lines themselves)");
+  stereo->add_flag("--planes", o->planes, "Draw each plane as a great circle (up to 2000)");
+  stereo->add_flag("--rose", o->rose, "Draw a rose diagram of the azimuths instead");
+  stereo->add_option("--rose-width", o->roseWidth, "Rose class width in degrees, dividing 360 (default 10)");
+  stereo->add_option("--rose-start", o->roseStart, "Azimuth where the first rose class starts (default 0)");
+  stereo->add_option("--title", o->title, "Title above the net");
+  addOutputOptions(stereo, *o);
+  stereo->callback([o, stereo, &exitCode] {
+    if (stereo->count("--size") == 0) o->size = "1200x1200";  // a round net wants a square page
+    exitCode = runStereonet(*o);
+  });
+
+  CLI::App* hist = plot->add_subcommand("histogram", "Histogram of a CSV column");
+  hist->add_option("data", o->data, "The CSV file")->required();
+  hist->add_option("--column", o->column, "The column to count")->required();
+  hist->add_option("--unit", o->x.unit, "Show the values in this unit");
+  hist->add_option("--bins", o->bins, "Number of equal classes (default: Sturges' rule, ceil(log2 n) + 1)")
+      ->check(CLI::Range(1, 100000));
+  hist->add_option("--title", o->title, "Title above the plot");
+  addOutputOptions(hist, *o);
+  hist->callback([o, &exitCode] { exitCode = runHistogram(*o); });
 
   CLI::App* draw = plot->add_subcommand("draw", "Draw a saved plot file");
   draw->add_option("plotfile", o->data, "The plot file (.zpl)")->required();

@@ -9,6 +9,7 @@
 #include "date_command.h"
 #include "quiz_command.h"
 #include "plot_command.h"
+#include "stats_command.h"
 
 int main(int argc, char** argv) {
   subsurf::cli::installTerminalHost("subsurf");
@@ -21,5 +22,6 @@ int main(int argc, char** argv) {
   subsurf::cli::addDateCommand(app, exitCode);
   subsurf::cli::addQuizCommand(app, exitCode);
   subsurf::cli::addPlotCommand(app, exitCode);
+  subsurf::cli::addStatsCommand(app, exitCode);
   return subsurf::cli::runApp(app, argc, argv, exitCode);
 }

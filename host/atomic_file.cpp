@@ -38,4 +38,11 @@ Status AtomicFile::commit() {
 
 void AtomicFile::discard() { file_.reset(); }
 
+Status writeFileAtomically(const std::string& target, std::string_view text) {
+  AtomicFile file;
+  if (Status s = file.open(target); !s) return s;
+  file.write(text);
+  return file.commit();
+}
+
 }  // namespace subsurf

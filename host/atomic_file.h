@@ -18,6 +18,9 @@
 
 namespace subsurf {
 
+// Writes the whole text to target through an AtomicFile.
+Status writeFileAtomically(const std::string& target, std::string_view text);
+
 class AtomicFile {
  public:
   AtomicFile() = default;

@@ -10,6 +10,7 @@
 #include "host/nulls.h"
 #include "host/number_text.h"
 #include "plot/axis_scales.h"
+#include "plot/single_set_plot.h"
 #include "units/units_registry.h"
 
 namespace subsurf {
@@ -145,13 +146,8 @@ Status readCrossplotData(const std::string& path, const AxisRequest& x, const Ax
 
 PlotRecord makeCrossplot(const CrossplotData& data, const AxisRequest& x, const AxisRequest& y,
                          const std::string& title, const std::string& setName) {
-  PlotRecord plot;
-  plot.annotation.texts = {};
-  plot.fields.title = fieldText(title, kPlotTextWidth);
-  plot.layout.ml = plot.layout.mr = plot.layout.mt = plot.layout.mb = 8;
-  plot.sets.emplace_back();
+  PlotRecord plot = singleSetPlot(title, setName);
   PlotSet& set = plot.sets.back();
-  set.name = fieldText(setName, kSetNameWidth);
   set.ids = fieldText(data.xColumn + "/" + data.yColumn, kSetNameWidth);
   set.data[0] = data.x;
   set.data[1] = data.y;

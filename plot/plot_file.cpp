@@ -456,12 +456,7 @@ std::string plotFileText(const PlotRecord& plot) {
 }
 
 Status writePlotFile(const PlotRecord& plot, const std::string& path) {
-  KeywordFileWriter out;
-  if (auto s = out.open(path); !s) return s;
-  std::string text = plotFileText(plot);
-  text.pop_back();  // writeLine ends the last record itself
-  out.writeLine(text);
-  return out.commit();
+  return writeFileAtomically(path, plotFileText(plot));
 }
 
 Status readPlotFile(const std::string& path, PlotRecord& plot) {

@@ -127,12 +127,7 @@ class PlotCommand : public ::testing::Test {
   }
   static std::string program() { return ss::testing::builtProgram("subsurf"); }
   ss::testing::CommandRun run(const std::string& args) {
-    ss::testing::CommandRun r = ss::testing::runCommand(program() + " plot " + args);
-    // A leak-checking build reports the suppressions it used after the program's own words.
-    if (const auto at = r.err.find("-----------------------------------------------------\nSuppressions used:");
-        at != std::string::npos)
-      r.err.erase(at);
-    return r;
+    return ss::testing::withoutSuppressionReport(ss::testing::runCommand(program() + " plot " + args));
   }
   ss::testing::TempDir tmp;
   std::string csv;
