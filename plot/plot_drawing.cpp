@@ -344,6 +344,12 @@ class PlotPainter {
   // Finds the data area as paint() does, drawing nothing.
   void layOut() { layOut(false); }
 
+  // One axis (0 x, 1 y) of set, laid out as if set carried the plot's axes.
+  void axisOf(const PlotSet& set, int which) {
+    if (&set != axesSet_) layOut(false, &set);
+    axis(which);
+  }
+
   // One element of a set, clipped to the data area as in a whole drawing.
   template <typename Draw>
   void element(const PlotSet& set, Draw&& draw) {
@@ -429,13 +435,13 @@ class PlotPainter {
   }
 
  private:
-  void layOut(bool drawing) {
+  void layOut(bool drawing, const PlotSet* carrier = nullptr) {
     drawing_ = drawing;
     const Layout& l = plot_.layout;
     const double w = c_.page().widthMm, h = c_.page().heightMm;
     Rect box{l.ml, l.mt, w - l.mr, h - l.mb};
     if (box.width() < 20 || box.height() < 20) box = {0.05 * w, 0.05 * h, 0.95 * w, 0.95 * h};
-    axesSet_ = firstShownSet();
+    axesSet_ = carrier ? carrier : firstShownSet();
     if (axesSet_) axisScales_ = {drawableScale(axesSet_->scales[0]), drawableScale(axesSet_->scales[1])};
     annotationStrips(box);
     title(box);
@@ -843,35 +849,32 @@ class PlotPainter {
 
   void axes() {
     if (plot_.annotation.plotbox) frame(area_);
+    axis(0);
+    axis(1);
+  }
+
+  // One axis (0 x, 1 y) of the set that carries the axes: its ticks on the
+  // sides its placement names, pointing outwards, its numbers and its label.
+  void axis(int which) {
     if (!axesSet_) return;
     const double nh = numberHeight(), lh = labelHeight();
     c_.setColour(1);
     cairo_set_line_width(cr_, kFrameWidth);
-    const int xPlace = axesSet_->ax[0], yPlace = axesSet_->ax[1];
-    // Ticks point outwards, on the sides the placement names.
-    auto xTicksAt = [&](double y, double dir) {
-      for (const Tick& t : xTicks_) {
-        const double x = area_.left + t.fraction * area_.width();
-        cairo_move_to(cr_, x, y);
-        cairo_line_to(cr_, x, y + dir * (t.label.empty() ? kMinorTick : kMajorTick));
-      }
-    };
-    auto yTicksAt = [&](double x, double dir) {
-      for (const Tick& t : yTicks_) {
-        const double y = area_.bottom - t.fraction * area_.height();
-        cairo_move_to(cr_, x, y);
-        cairo_line_to(cr_, x + dir * (t.label.empty() ? kMinorTick : kMajorTick), y);
-      }
-    };
-    if (xPlace == 1 || xPlace == 3) xTicksAt(area_.bottom, 1);
-    if (xPlace == 2 || xPlace == 3) xTicksAt(area_.top, -1);
-    if (yPlace == 1 || yPlace == 3) yTicksAt(area_.left, -1);
-    if (yPlace == 2 || yPlace == 3) yTicksAt(area_.right, 1);
-    cairo_stroke(cr_);
-
-    c_.setFont(nh);
-    if (xPlace > 0) {
-      const bool top = xPlace == 2;
+    const int place = axesSet_->ax[static_cast<std::size_t>(which)];
+    if (which == 0) {
+      auto ticksAt = [&](double y, double dir) {
+        for (const Tick& t : xTicks_) {
+          const double x = area_.left + t.fraction * area_.width();
+          cairo_move_to(cr_, x, y);
+          cairo_line_to(cr_, x, y + dir * (t.label.empty() ? kMinorTick : kMajorTick));
+        }
+      };
+      if (place == 1 || place == 3) ticksAt(area_.bottom, 1);
+      if (place == 2 || place == 3) ticksAt(area_.top, -1);
+      cairo_stroke(cr_);
+      if (place <= 0) return;
+      c_.setFont(nh);
+      const bool top = place == 2;
       const double y = top ? area_.top - kMajorTick - kTickGap : area_.bottom + kMajorTick + kTickGap;
       for (const Tick& t : xTicks_)
         if (!t.label.empty())
@@ -881,27 +884,37 @@ class PlotPainter {
         c_.setFont(lh);
         const double ly = top ? y - nh - kLabelGap : y + nh + kLabelGap;
         c_.text(label, (area_.left + area_.right) / 2, ly, Align::Centre, top ? Baseline::Bottom : Baseline::Top);
-        c_.setFont(nh);
       }
+      return;
     }
-    if (yPlace > 0) {
-      const bool right = yPlace == 2;
-      const double x = right ? area_.right + kMajorTick + kTickGap : area_.left - kMajorTick - kTickGap;
-      double widest = 0;
-      for (const Tick& t : yTicks_)
-        if (!t.label.empty()) {
-          c_.text(t.label, x, area_.bottom - t.fraction * area_.height(), right ? Align::Left : Align::Right,
-                  Baseline::Middle);
-          widest = std::max(widest, c_.textWidth(t.label));
-        }
-      const std::string label = axisLabel(plot_, *axesSet_, 1);
-      if (!label.empty()) {
-        c_.setFont(lh);
-        const double lx = right ? x + widest + kLabelGap : x - widest - kLabelGap;
-        // Read from below (turned anticlockwise) on the left, from above on the right.
-        c_.text(label, lx, (area_.top + area_.bottom) / 2, Align::Centre, right ? Baseline::Top : Baseline::Bottom,
-                right ? -90.0 : 90.0);
+    auto ticksAt = [&](double x, double dir) {
+      for (const Tick& t : yTicks_) {
+        const double y = area_.bottom - t.fraction * area_.height();
+        cairo_move_to(cr_, x, y);
+        cairo_line_to(cr_, x + dir * (t.label.empty() ? kMinorTick : kMajorTick), y);
       }
+    };
+    if (place == 1 || place == 3) ticksAt(area_.left, -1);
+    if (place == 2 || place == 3) ticksAt(area_.right, 1);
+    cairo_stroke(cr_);
+    if (place <= 0) return;
+    c_.setFont(nh);
+    const bool right = place == 2;
+    const double x = right ? area_.right + kMajorTick + kTickGap : area_.left - kMajorTick - kTickGap;
+    double widest = 0;
+    for (const Tick& t : yTicks_)
+      if (!t.label.empty()) {
+        c_.text(t.label, x, area_.bottom - t.fraction * area_.height(), right ? Align::Left : Align::Right,
+                Baseline::Middle);
+        widest = std::max(widest, c_.textWidth(t.label));
+      }
+    const std::string label = axisLabel(plot_, *axesSet_, 1);
+    if (!label.empty()) {
+      c_.setFont(lh);
+      const double lx = right ? x + widest + kLabelGap : x - widest - kLabelGap;
+      // Read from below (turned anticlockwise) on the left, from above on the right.
+      c_.text(label, lx, (area_.top + area_.bottom) / 2, Align::Centre, right ? Baseline::Top : Baseline::Bottom,
+              right ? -90.0 : 90.0);
     }
   }
 
@@ -1015,6 +1028,7 @@ void PlotPieces::symbol(const PlotSet& set, const ZW_SYMB& s) { painter_->symbol
 void PlotPieces::text(const PlotSet& set, const ZW_TEXT& t) { painter_->text(set, t); }
 void PlotPieces::line(const PlotSet& set, const LineElement& l) { painter_->line(set, l); }
 void PlotPieces::legend() { painter_->legend(); }
+void PlotPieces::axis(const PlotSet& set, int which) { painter_->axisOf(set, which); }
 
 bool PlotPieces::legendBox(double& left, double& top, double& width, double& height) {
   const PlotPainter::LegendLayout g = painter_->legendLayout();

@@ -48,6 +48,9 @@ class PlotPieces {
   void text(const PlotSet& set, const ZW_TEXT& t);
   void line(const PlotSet& set, const LineElement& l);
   void legend();
+  // One axis of set (0 x, 1 y) with its ticks, numbers and label, the page
+  // laid out as if set carried the plot's axes.
+  void axis(const PlotSet& set, int which);
   // The legend's box in page millimetres (left, top, width, height); false
   // when the plot shows no legend.
   bool legendBox(double& left, double& top, double& width, double& height);

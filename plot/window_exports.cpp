@@ -87,6 +87,15 @@ void ZW_LEGDRAW(int* status) {
   });
 }
 
+void ZW_AXDRAW(const int* axis, int* status) {
+  const int which = axis ? *axis - ZW_AXIS_X : -1;
+  if (which != 0 && which != 1) return set(status, 1);  // only x and y are drawn as axes
+  drawInWindow(status, true, [which](ss::PlotPieces& pieces, const ss::PlotSet* s) {
+    pieces.axis(*s, which);
+    return true;
+  });
+}
+
 int IZW_LEGOVER(const float* x, const float* y) {
   int over = 0;
   if (!x || !y) return 0;

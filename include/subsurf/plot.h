@@ -357,6 +357,10 @@ void ZW_LINESDRAW(int* status);
 /* The current plot's legend (its rows, or the names of its shown sets when
  * it has none and two or more are named); status 1 when there is none. */
 void ZW_LEGDRAW(int* status);
+/* One axis (ZW_AXIS_X or ZW_AXIS_Y) of the current set with its ticks,
+ * numbers and label, placed as ZW_SETAXP says, the page laid out as if this
+ * set carried the plot's axes; status 1 for any other axis. */
+void ZW_AXDRAW(const int* axis, int* status);
 /* 1 when the point (x, y), in pixels of the current plot's window from its
  * top-left corner, lies over the legend box (edges included); 0 otherwise,
  * also when there is no plot, window or legend. */

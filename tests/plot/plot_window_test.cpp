@@ -337,6 +337,10 @@ TEST_F(PlotWindowTest, NothingToDrawIsStatusOne) {
   ZW_ZP* current = root;
   ZW_ZPCURRENT(&current);
   ASSERT_EQ(current, nullptr);
+  int xAxis = ZW_AXIS_X;
+  status = 0;
+  ZW_AXDRAW(&xAxis, &status);
+  EXPECT_EQ(status, 1);
   for (auto draw : {ZW_SYMBDRAW, ZW_SYMBSDRAW, ZW_TEXTDRAW, ZW_TEXTSDRAW, ZW_LINEDRAW, ZW_LINESDRAW, ZW_LEGDRAW}) {
     status = 0;
     draw(&status);
@@ -344,6 +348,65 @@ TEST_F(PlotWindowTest, NothingToDrawIsStatusOne) {
   }
   EXPECT_EQ(IZW_LEGOVER(&x, &y), 0);
   ZW_ZPDEL(&kid);
+}
+
+TEST_F(PlotWindowTest, AxisIsDrawnOutsideTheDataAreaOnItsSide) {
+  struct Area {
+    double left, right, top, bottom;
+  };
+  // The data area from where symbols land, for the placements in force (the
+  // axes' bands move it).
+  auto place = [&](int xPlace, int yPlace) {
+    int status = 1, x = ZW_AXIS_X, y = ZW_AXIS_Y;
+    ZW_SETAXP(&x, &xPlace, &status);
+    ZW_SETAXP(&y, &yPlace, &status);
+    const Ink c = symbolAt(5, 5), right = symbolAt(7, 5), up = symbolAt(5, 7);
+    const double perX = (right.cx() - c.cx()) / 2, perY = (c.cy() - up.cy()) / 2;
+    return Area{c.cx() - 5 * perX, c.cx() + 5 * perX, c.cy() - 5 * perY, c.cy() + 5 * perY};
+  };
+  auto drawAxis = [&](int axis) {
+    clear();
+    int status = 1;
+    ZW_AXDRAW(&axis, &status);
+    EXPECT_EQ(status, 0);
+    return inkOf(image_);
+  };
+  // Any grey within two pixels of (x, y): ticks are thin and anti-aliased, and
+  // the area's edges, found from anti-aliased discs, to a pixel or two.
+  auto inked = [&](double x, double y) {
+    const int px = static_cast<int>(std::lround(x)), py = static_cast<int>(std::lround(y));
+    for (int dy = -2; dy <= 2; ++dy)
+      for (int dx = -2; dx <= 2; ++dx)
+        if ((pixel(image_, px + dx, py + dy) & 0xFF) < 230) return true;
+    return false;
+  };
+  Area a = place(1, 1);
+  const Ink x = drawAxis(ZW_AXIS_X);
+  ASSERT_GT(x.count, 0);
+  EXPECT_GE(x.top, a.bottom - 1);  // ticks point out of the data area
+  EXPECT_TRUE(inked(a.left, a.bottom + 2));  // the ticks at both limits
+  EXPECT_TRUE(inked(a.right, a.bottom + 2));
+  const Ink y = drawAxis(ZW_AXIS_Y);
+  ASSERT_GT(y.count, 0);
+  EXPECT_LE(y.right, a.left + 1);
+  EXPECT_TRUE(inked(a.left - 2, a.bottom));
+  EXPECT_TRUE(inked(a.left - 2, a.top));
+
+  a = place(2, 2);  // the other sides
+  const Ink xTop = drawAxis(ZW_AXIS_X);
+  EXPECT_LE(xTop.bottom, a.top + 1);
+  EXPECT_TRUE(inked(a.left, a.top - 2));
+  const Ink yRight = drawAxis(ZW_AXIS_Y);
+  EXPECT_GE(yRight.left, a.right - 1);
+  EXPECT_TRUE(inked(a.right + 2, a.bottom));
+
+  place(0, 1);
+  EXPECT_EQ(drawAxis(ZW_AXIS_X).count, 0);  // hidden
+  int axis = ZW_AXIS_Z, status = 0;
+  ZW_AXDRAW(&axis, &status);
+  EXPECT_EQ(status, 1);
+  ZW_AXDRAW(nullptr, &status);
+  EXPECT_EQ(status, 1);
 }
 
 TEST(PlotWindows, AnUnboundWindowIsMadeWhiteAtTheLayoutPage) {
