@@ -67,10 +67,6 @@ void putMessage(char* message, const std::string& text) {
   if (message) ss::setFixed(message, kMessageWidth, text);
 }
 
-std::string fileArgument(const char* file) {
-  return ss::resolvePath(file ? ss::fixedText(file, 260) : std::string());
-}
-
 }  // namespace
 
 extern "C" {
@@ -221,32 +217,18 @@ void ZW_LINEREAD(const char* text, const int* length, int* status) {
   }
 }
 
+// As ZW_ZPWRITE and ZW_ZPREAD, with the fault put in message (200
+// characters, blank when none) rather than shown.
 void ZW_ZPWRITEDO(ZW_ZP** plot, const char* file, char* message, int* status) {
-  set(status, 1);
-  putMessage(message, "");
-  try {
-    ss::PlotRecord* p = plot && *plot ? *plot : ss::plotTree().current();
-    if (!p) return putMessage(message, "There is no plot to write");
-    const std::string path = fileArgument(file);
-    ss::ensureParentFolder(path);
-    if (auto s = ss::writePlotFile(*p, path); !s) return putMessage(message, s.message());
-    set(status, 0);
-  } catch (...) {
-    putMessage(message, "Out of memory in the plot tree");
-  }
+  const ss::Status s = ss::exchangePlotFile(ss::PlotFileDirection::Write, plot ? *plot : nullptr, file);
+  putMessage(message, s ? std::string() : s.message());
+  set(status, s ? 0 : 1);
 }
 
 void ZW_ZPREADDO(ZW_ZP** plot, const char* file, char* message, int* status) {
-  set(status, 1);
-  putMessage(message, "");
-  try {
-    ss::PlotRecord* p = plot && *plot ? *plot : ss::plotTree().current();
-    if (!p) return putMessage(message, "There is no plot to read into");
-    if (auto s = ss::readPlotFile(fileArgument(file), *p); !s) return putMessage(message, s.message());
-    set(status, 0);
-  } catch (...) {
-    putMessage(message, "Out of memory in the plot tree");
-  }
+  const ss::Status s = ss::exchangePlotFile(ss::PlotFileDirection::Read, plot ? *plot : nullptr, file);
+  putMessage(message, s ? std::string() : s.message());
+  set(status, s ? 0 : 1);
 }
 
 }  // extern "C"

@@ -322,23 +322,18 @@ class MarkerLayer {
 constexpr std::size_t kManyPoints = 500;
 constexpr std::size_t kVectorPoints = 50000;
 
+}  // namespace
+
+// Lays a plot out on a canvas and draws it whole or piece by piece.
 class PlotPainter {
  public:
   PlotPainter(const PlotRecord& plot, Canvas& canvas, const DrawOptions& options)
       : plot_(plot), c_(canvas), cr_(canvas.cr()), options_(options) {}
 
   void paint() {
-    const Layout& l = plot_.layout;
-    const double w = c_.page().widthMm, h = c_.page().heightMm;
     c_.setColour(plot_.fields.plotBg);
     cairo_paint(cr_);
-    Rect box{l.ml, l.mt, w - l.mr, h - l.mb};
-    if (box.width() < 20 || box.height() < 20) box = {0.05 * w, 0.05 * h, 0.95 * w, 0.95 * h};
-    axesSet_ = firstShownSet();
-    if (axesSet_) axisScales_ = {drawableScale(axesSet_->scales[0]), drawableScale(axesSet_->scales[1])};
-    annotationStrips(box);
-    title(box);
-    layoutAxes(box);
+    layOut(true);
     dataArea();
     for (const PlotSet* set : setsInOrder()) drawSet(*set);
     cairo_reset_clip(cr_);
@@ -346,7 +341,113 @@ class PlotPainter {
     legend();
   }
 
+  // Finds the data area as paint() does, drawing nothing.
+  void layOut() { layOut(false); }
+
+  // One axis (0 x, 1 y) of set, laid out as if set carried the plot's axes.
+  void axisOf(const PlotSet& set, int which) {
+    if (&set != axesSet_) layOut(false, &set);
+    axis(which);
+  }
+
+  // One element of a set, clipped to the data area as in a whole drawing.
+  template <typename Draw>
+  void element(const PlotSet& set, Draw&& draw) {
+    const ZW_SCALE sx = drawableScale(set.scales[0]), sy = drawableScale(set.scales[1]);
+    const Mapper map(sx, sy, area_);  // holds the scales by reference
+    cairo_save(cr_);
+    cairo_rectangle(cr_, area_.left, area_.top, area_.width(), area_.height());
+    cairo_clip(cr_);
+    draw(map);
+    cairo_restore(cr_);
+  }
+  void symbol(const PlotSet& set, const ZW_SYMB& s) {
+    element(set, [&](const Mapper& map) { symbolElement(s, map); });
+  }
+  void text(const PlotSet& set, const ZW_TEXT& t) {
+    element(set, [&](const Mapper& map) { textElement(t, map); });
+  }
+  void line(const PlotSet& set, const LineElement& l) {
+    element(set, [&](const Mapper& map) { lineElement(l, map); });
+  }
+
+  // The legend's rows and the box they are drawn in (page millimetres).
+  struct LegendLayout {
+    std::vector<ZW_LEG> rows;
+    std::vector<const PlotSet*> rowSets;
+    double left = 0, top = 0, width = 0, height = 0;
+    double textHeight = 0, rowHeight = 0, sample = 0, pad = 0;
+  };
+  LegendLayout legendLayout() {
+    LegendLayout g;
+    g.rows.assign(plot_.legend.rows.begin(), plot_.legend.rows.end());
+    g.rowSets.assign(g.rows.size(), nullptr);
+    if (g.rows.empty()) {
+      const auto sets = setsInOrder();
+      int named = 0;
+      for (const PlotSet* s : sets) named += (s->legend && !s->name.empty()) ? 1 : 0;
+      if (named >= 2)
+        for (const PlotSet* s : sets)
+          if (s->legend && !s->name.empty()) {
+            ZW_LEG row = defaultLegendRow();
+            row.KIND = 6;
+            setFixed(row.TEXT, s->name);
+            g.rows.push_back(row);
+            g.rowSets.push_back(s);
+          }
+    }
+    if (g.rows.empty()) return g;
+    g.textHeight = numberHeight();
+    g.rowHeight = g.textHeight * 1.9;
+    g.sample = 7.0;
+    g.pad = g.textHeight * 0.8;
+    c_.setFont(g.textHeight);
+    double widest = 0;
+    for (const ZW_LEG& r : g.rows) widest = std::max(widest, c_.textWidth(fixedText(r.TEXT)));
+    g.width = g.pad + g.sample + g.pad * 0.8 + widest + g.pad;
+    g.height = g.pad + g.rowHeight * static_cast<double>(g.rows.size()) + g.pad * 0.2;
+    double right = area_.left + plot_.legend.fx * area_.width() - g.pad * 0.5;
+    double top = area_.bottom - plot_.legend.fy * area_.height() + g.pad * 0.5;
+    right = std::clamp(right, area_.left + g.width, area_.right - 0.5);
+    g.top = std::clamp(top, area_.top + 0.5, area_.bottom - g.height);
+    g.left = right - g.width;
+    return g;
+  }
+
+  void legend() {
+    const LegendLayout g = legendLayout();
+    if (g.rows.empty()) return;
+    cairo_rectangle(cr_, g.left, g.top, g.width, g.height);
+    c_.setColour(drawing::paletteColour(0), 0.88);
+    cairo_fill_preserve(cr_);
+    c_.setColour(drawing::paletteColour(9));
+    cairo_set_line_width(cr_, 0.2);
+    cairo_stroke(cr_);
+    for (std::size_t k = 0; k < g.rows.size(); ++k) {
+      const ZW_LEG& r = g.rows[k];
+      const double cy = g.top + g.pad + g.rowHeight * (static_cast<double>(k) + 0.5);
+      const double sx = g.left + g.pad;
+      legendSample(r, g.rowSets[k], sx, cy, g.sample, g.textHeight);
+      c_.setFont(g.textHeight);
+      c_.setColour(1);
+      c_.text(fixedText(r.TEXT), sx + g.sample + g.pad * 0.8, cy, Align::Left, Baseline::Middle);
+    }
+  }
+
  private:
+  void layOut(bool drawing, const PlotSet* carrier = nullptr) {
+    drawing_ = drawing;
+    const Layout& l = plot_.layout;
+    const double w = c_.page().widthMm, h = c_.page().heightMm;
+    Rect box{l.ml, l.mt, w - l.mr, h - l.mb};
+    if (box.width() < 20 || box.height() < 20) box = {0.05 * w, 0.05 * h, 0.95 * w, 0.95 * h};
+    axesSet_ = carrier ? carrier : firstShownSet();
+    if (axesSet_) axisScales_ = {drawableScale(axesSet_->scales[0]), drawableScale(axesSet_->scales[1])};
+    annotationStrips(box);
+    title(box);
+    layoutAxes(box);
+  }
+
   const PlotSet* firstShownSet() const {
     for (const PlotSet& s : plot_.sets)
       if (s.defs.show != 0) return &s;
@@ -381,6 +482,9 @@ class PlotPainter {
     const double textH = numberHeight(), lineH = textH * 1.6;
     const double height = std::max<double>(margin, static_cast<double>(lines) * lineH + textH);
     Rect r = top ? Rect{box.left, box.top, box.right, box.top + height} : Rect{box.left, box.bottom - height, box.right, box.bottom};
+    if (top) box.top = r.bottom + textH;
+    else box.bottom = r.top - textH;
+    if (!drawing_) return;
     if (bg > 0) {
       c_.setColour(bg);
       cairo_rectangle(cr_, r.left, r.top, r.width(), r.height());
@@ -397,8 +501,6 @@ class PlotPainter {
       for (std::size_t n = 0; n < texts.size(); ++n)
         c_.text(replaced(texts[n]), x, r.top + pad + static_cast<double>(n) * lineH, align, Baseline::Top);
     }
-    if (top) box.top = r.bottom + textH;
-    else box.bottom = r.top - textH;
   }
 
   void annotationStrips(Rect& box) {
@@ -417,8 +519,10 @@ class PlotPainter {
       th *= box.width() / width;
       c_.setFont(th, true);
     }
-    c_.setColour(1);
-    c_.text(plot_.fields.title, (box.left + box.right) / 2, box.top, Align::Centre, Baseline::Top);
+    if (drawing_) {
+      c_.setColour(1);
+      c_.text(plot_.fields.title, (box.left + box.right) / 2, box.top, Align::Centre, Baseline::Top);
+    }
     box.top += th * 2.0;
   }
 
@@ -557,25 +661,29 @@ class PlotPainter {
     }
     if (set.sym > 0 && n > 0) markers(set, sx, sy, map, n, symbolColour);
     for (const LineElement& l : set.lines) lineElement(l, map);
-    for (const ZW_SYMB& s : set.symbols) {
-      double px, py;
-      if (!map.map(s.X, s.Y, px, py)) continue;
-      c_.setColour(s.COLOUR);
-      markerPath(cr_, s.STYLE, px, py, std::max(0.2f, s.SIZE) / 2);
-      if (s.FILL || markerIsStroke(s.STYLE)) paintMarkers(cr_, s.STYLE, std::max(0.2f, s.SIZE) / 2);
-      else {
-        cairo_set_line_width(cr_, 0.25);
-        cairo_stroke(cr_);
-      }
+    for (const ZW_SYMB& s : set.symbols) symbolElement(s, map);
+    for (const ZW_TEXT& t : set.texts) textElement(t, map);
+  }
+
+  void symbolElement(const ZW_SYMB& s, const Mapper& map) {
+    double px, py;
+    if (!map.map(s.X, s.Y, px, py)) return;
+    c_.setColour(s.COLOUR);
+    markerPath(cr_, s.STYLE, px, py, std::max(0.2f, s.SIZE) / 2);
+    if (s.FILL || markerIsStroke(s.STYLE)) paintMarkers(cr_, s.STYLE, std::max(0.2f, s.SIZE) / 2);
+    else {
+      cairo_set_line_width(cr_, 0.25);
+      cairo_stroke(cr_);
     }
-    for (const ZW_TEXT& t : set.texts) {
-      double px, py;
-      if (!map.map(t.X, t.Y, px, py)) continue;
-      c_.setFont(std::max(0.5f, t.HEIGHT));
-      c_.setColour(t.COLOUR);
-      const Align align = t.ALIGN == 2 ? Align::Centre : t.ALIGN == 3 ? Align::Right : Align::Left;
-      c_.text(fixedText(t.TEXT), px, py, align, Baseline::Middle, t.ANGLE);
-    }
+  }
+
+  void textElement(const ZW_TEXT& t, const Mapper& map) {
+    double px, py;
+    if (!map.map(t.X, t.Y, px, py)) return;
+    c_.setFont(std::max(0.5f, t.HEIGHT));
+    c_.setColour(t.COLOUR);
+    const Align align = t.ALIGN == 2 ? Align::Centre : t.ALIGN == 3 ? Align::Right : Align::Left;
+    c_.text(fixedText(t.TEXT), px, py, align, Baseline::Middle, t.ANGLE);
   }
 
   void shading(const PlotSet& set, const Mapper& map, std::size_t n) {
@@ -741,35 +849,32 @@ class PlotPainter {
 
   void axes() {
     if (plot_.annotation.plotbox) frame(area_);
+    axis(0);
+    axis(1);
+  }
+
+  // One axis (0 x, 1 y) of the set that carries the axes: its ticks on the
+  // sides its placement names, pointing outwards, its numbers and its label.
+  void axis(int which) {
     if (!axesSet_) return;
     const double nh = numberHeight(), lh = labelHeight();
     c_.setColour(1);
     cairo_set_line_width(cr_, kFrameWidth);
-    const int xPlace = axesSet_->ax[0], yPlace = axesSet_->ax[1];
-    // Ticks point outwards, on the sides the placement names.
-    auto xTicksAt = [&](double y, double dir) {
-      for (const Tick& t : xTicks_) {
-        const double x = area_.left + t.fraction * area_.width();
-        cairo_move_to(cr_, x, y);
-        cairo_line_to(cr_, x, y + dir * (t.label.empty() ? kMinorTick : kMajorTick));
-      }
-    };
-    auto yTicksAt = [&](double x, double dir) {
-      for (const Tick& t : yTicks_) {
-        const double y = area_.bottom - t.fraction * area_.height();
-        cairo_move_to(cr_, x, y);
-        cairo_line_to(cr_, x + dir * (t.label.empty() ? kMinorTick : kMajorTick), y);
-      }
-    };
-    if (xPlace == 1 || xPlace == 3) xTicksAt(area_.bottom, 1);
-    if (xPlace == 2 || xPlace == 3) xTicksAt(area_.top, -1);
-    if (yPlace == 1 || yPlace == 3) yTicksAt(area_.left, -1);
-    if (yPlace == 2 || yPlace == 3) yTicksAt(area_.right, 1);
-    cairo_stroke(cr_);
-
-    c_.setFont(nh);
-    if (xPlace > 0) {
-      const bool top = xPlace == 2;
+    const int place = axesSet_->ax[static_cast<std::size_t>(which)];
+    if (which == 0) {
+      auto ticksAt = [&](double y, double dir) {
+        for (const Tick& t : xTicks_) {
+          const double x = area_.left + t.fraction * area_.width();
+          cairo_move_to(cr_, x, y);
+          cairo_line_to(cr_, x, y + dir * (t.label.empty() ? kMinorTick : kMajorTick));
+        }
+      };
+      if (place == 1 || place == 3) ticksAt(area_.bottom, 1);
+      if (place == 2 || place == 3) ticksAt(area_.top, -1);
+      cairo_stroke(cr_);
+      if (place <= 0) return;
+      c_.setFont(nh);
+      const bool top = place == 2;
       const double y = top ? area_.top - kMajorTick - kTickGap : area_.bottom + kMajorTick + kTickGap;
       for (const Tick& t : xTicks_)
         if (!t.label.empty())
@@ -779,72 +884,37 @@ class PlotPainter {
         c_.setFont(lh);
         const double ly = top ? y - nh - kLabelGap : y + nh + kLabelGap;
         c_.text(label, (area_.left + area_.right) / 2, ly, Align::Centre, top ? Baseline::Bottom : Baseline::Top);
-        c_.setFont(nh);
       }
+      return;
     }
-    if (yPlace > 0) {
-      const bool right = yPlace == 2;
-      const double x = right ? area_.right + kMajorTick + kTickGap : area_.left - kMajorTick - kTickGap;
-      double widest = 0;
-      for (const Tick& t : yTicks_)
-        if (!t.label.empty()) {
-          c_.text(t.label, x, area_.bottom - t.fraction * area_.height(), right ? Align::Left : Align::Right,
-                  Baseline::Middle);
-          widest = std::max(widest, c_.textWidth(t.label));
-        }
-      const std::string label = axisLabel(plot_, *axesSet_, 1);
-      if (!label.empty()) {
-        c_.setFont(lh);
-        const double lx = right ? x + widest + kLabelGap : x - widest - kLabelGap;
-        // Read from below (turned anticlockwise) on the left, from above on the right.
-        c_.text(label, lx, (area_.top + area_.bottom) / 2, Align::Centre, right ? Baseline::Top : Baseline::Bottom,
-                right ? -90.0 : 90.0);
+    auto ticksAt = [&](double x, double dir) {
+      for (const Tick& t : yTicks_) {
+        const double y = area_.bottom - t.fraction * area_.height();
+        cairo_move_to(cr_, x, y);
+        cairo_line_to(cr_, x + dir * (t.label.empty() ? kMinorTick : kMajorTick), y);
       }
-    }
-  }
-
-  void legend() {
-    std::vector<ZW_LEG> rows(plot_.legend.rows.begin(), plot_.legend.rows.end());
-    std::vector<const PlotSet*> rowSets(rows.size(), nullptr);
-    if (rows.empty()) {
-      const auto sets = setsInOrder();
-      int named = 0;
-      for (const PlotSet* s : sets) named += (s->legend && !s->name.empty()) ? 1 : 0;
-      if (named >= 2)
-        for (const PlotSet* s : sets)
-          if (s->legend && !s->name.empty()) {
-            ZW_LEG row = defaultLegendRow();
-            row.KIND = 6;
-            setFixed(row.TEXT, s->name);
-            rows.push_back(row);
-            rowSets.push_back(s);
-          }
-    }
-    if (rows.empty()) return;
-    const double th = numberHeight(), rowH = th * 1.9, sample = 7.0, pad = th * 0.8;
-    c_.setFont(th);
-    double widest = 0;
-    for (const ZW_LEG& r : rows) widest = std::max(widest, c_.textWidth(fixedText(r.TEXT)));
-    const double w = pad + sample + pad * 0.8 + widest + pad, h = pad + rowH * static_cast<double>(rows.size()) + pad * 0.2;
-    double right = area_.left + plot_.legend.fx * area_.width() - pad * 0.5;
-    double top = area_.bottom - plot_.legend.fy * area_.height() + pad * 0.5;
-    right = std::clamp(right, area_.left + w, area_.right - 0.5);
-    top = std::clamp(top, area_.top + 0.5, area_.bottom - h);
-    const double left = right - w;
-    cairo_rectangle(cr_, left, top, w, h);
-    c_.setColour(drawing::paletteColour(0), 0.88);
-    cairo_fill_preserve(cr_);
-    c_.setColour(drawing::paletteColour(9));
-    cairo_set_line_width(cr_, 0.2);
+    };
+    if (place == 1 || place == 3) ticksAt(area_.left, -1);
+    if (place == 2 || place == 3) ticksAt(area_.right, 1);
     cairo_stroke(cr_);
-    for (std::size_t k = 0; k < rows.size(); ++k) {
-      const ZW_LEG& r = rows[k];
-      const double cy = top + pad + rowH * (static_cast<double>(k) + 0.5);
-      const double sx = left + pad;
-      legendSample(r, rowSets[k], sx, cy, sample, th);
-      c_.setFont(th);
-      c_.setColour(1);
-      c_.text(fixedText(r.TEXT), sx + sample + pad * 0.8, cy, Align::Left, Baseline::Middle);
+    if (place <= 0) return;
+    c_.setFont(nh);
+    const bool right = place == 2;
+    const double x = right ? area_.right + kMajorTick + kTickGap : area_.left - kMajorTick - kTickGap;
+    double widest = 0;
+    for (const Tick& t : yTicks_)
+      if (!t.label.empty()) {
+        c_.text(t.label, x, area_.bottom - t.fraction * area_.height(), right ? Align::Left : Align::Right,
+                Baseline::Middle);
+        widest = std::max(widest, c_.textWidth(t.label));
+      }
+    const std::string label = axisLabel(plot_, *axesSet_, 1);
+    if (!label.empty()) {
+      c_.setFont(lh);
+      const double lx = right ? x + widest + kLabelGap : x - widest - kLabelGap;
+      // Read from below (turned anticlockwise) on the left, from above on the right.
+      c_.text(label, lx, (area_.top + area_.bottom) / 2, Align::Centre, right ? Baseline::Top : Baseline::Bottom,
+              right ? -90.0 : 90.0);
     }
   }
 
@@ -902,13 +972,12 @@ class PlotPainter {
   Canvas& c_;
   cairo_t* cr_;
   const DrawOptions& options_;
+  bool drawing_ = true;
   const PlotSet* axesSet_ = nullptr;
   std::array<ZW_SCALE, 2> axisScales_{};
   Rect area_{};
   std::vector<Tick> xTicks_, yTicks_;
 };
-
-}  // namespace
 
 std::string annotationText(const std::string& line, const std::string& user, const std::string& date) {
   std::string out;
@@ -946,6 +1015,29 @@ Status drawPlot(const PlotRecord& plot, const DrawOptions& options) {
   if (!canvas) return status;
   PlotPainter(plot, *canvas, options).paint();
   return canvas->finish();
+}
+
+PlotPieces::PlotPieces(const PlotRecord& plot, Canvas& canvas, const DrawOptions& options)
+    : options_(options), painter_(std::make_unique<PlotPainter>(plot, canvas, options_)) {
+  painter_->layOut();
+}
+
+PlotPieces::~PlotPieces() = default;
+
+void PlotPieces::symbol(const PlotSet& set, const ZW_SYMB& s) { painter_->symbol(set, s); }
+void PlotPieces::text(const PlotSet& set, const ZW_TEXT& t) { painter_->text(set, t); }
+void PlotPieces::line(const PlotSet& set, const LineElement& l) { painter_->line(set, l); }
+void PlotPieces::legend() { painter_->legend(); }
+void PlotPieces::axis(const PlotSet& set, int which) { painter_->axisOf(set, which); }
+
+bool PlotPieces::legendBox(double& left, double& top, double& width, double& height) {
+  const PlotPainter::LegendLayout g = painter_->legendLayout();
+  if (g.rows.empty()) return false;
+  left = g.left;
+  top = g.top;
+  width = g.width;
+  height = g.height;
+  return true;
 }
 
 }  // namespace subsurf

@@ -11,6 +11,7 @@
 // options give a size. PNG pages are rasterised at the options' dots per inch.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "host/drawing/canvas.h"
@@ -29,6 +30,35 @@ struct DrawOptions {
 };
 
 Status drawPlot(const PlotRecord& plot, const DrawOptions& options);
+
+class PlotPainter;
+
+// Pieces of a plot drawn one at a time onto a canvas (a plot's window),
+// each exactly where a whole drawing of the plot on that canvas puts it:
+// the page is laid out (strips, title, axes) without being drawn, then only
+// the asked-for piece is painted over what the canvas holds.
+class PlotPieces {
+ public:
+  PlotPieces(const PlotRecord& plot, drawing::Canvas& canvas, const DrawOptions& options = {});
+  ~PlotPieces();
+  PlotPieces(const PlotPieces&) = delete;
+  PlotPieces& operator=(const PlotPieces&) = delete;
+
+  void symbol(const PlotSet& set, const ZW_SYMB& s);
+  void text(const PlotSet& set, const ZW_TEXT& t);
+  void line(const PlotSet& set, const LineElement& l);
+  void legend();
+  // One axis of set (0 x, 1 y) with its ticks, numbers and label, the page
+  // laid out as if set carried the plot's axes.
+  void axis(const PlotSet& set, int which);
+  // The legend's box in page millimetres (left, top, width, height); false
+  // when the plot shows no legend.
+  bool legendBox(double& left, double& top, double& width, double& height);
+
+ private:
+  DrawOptions options_;
+  std::unique_ptr<PlotPainter> painter_;
+};
 
 // An annotation line with "@user" and "@date" replaced.
 std::string annotationText(const std::string& line, const std::string& user, const std::string& date);

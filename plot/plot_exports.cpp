@@ -218,8 +218,11 @@ void addLegendRow(const char* text, int kind, int colour, int style, float size,
   });
 }
 
-std::string fileArgument(const char* file) {
-  return ss::resolvePath(file ? ss::fixedText(file, 260) : std::string());
+// The plot-file routines: a fault is shown as a message.
+void showPlotFileFault(ss::PlotFileDirection direction, ZW_ZP** plot, const char* file, int* status) {
+  const ss::Status s = ss::exchangePlotFile(direction, plot ? *plot : nullptr, file);
+  if (!s) guarded(nullptr, [&] { ss::host::showMessage(s.message()); });
+  set(status, s ? 0 : 1);
 }
 
 }  // namespace
@@ -742,7 +745,7 @@ void ZW_ZPDRAW(ZW_ZP** plot, const char* file, const float* dpi, int* status) {
     ss::PlotRecord* p = plotOrCurrent(plot);
     if (!p) return;
     ss::DrawOptions o;
-    o.path = fileArgument(file);
+    o.path = ss::fileFieldPath(file);
     if (!ss::drawing::outputKindOf(o.path, o.kind))
       return ss::host::showMessage(o.path + ": the name must end in .svg, .png or .pdf");
     if (dpi && *dpi > 0) o.dpi = *dpi;
@@ -755,25 +758,11 @@ void ZW_ZPDRAW(ZW_ZP** plot, const char* file, const float* dpi, int* status) {
 // Plot files.
 
 void ZW_ZPWRITE(ZW_ZP** plot, const char* file, int* status) {
-  set(status, 1);
-  guarded(status, [&] {
-    ss::PlotRecord* p = plotOrCurrent(plot);
-    if (!p) return;
-    const std::string path = fileArgument(file);
-    ss::ensureParentFolder(path);
-    if (auto s = ss::writePlotFile(*p, path); !s) return ss::host::showMessage(s.message());
-    set(status, 0);
-  });
+  showPlotFileFault(ss::PlotFileDirection::Write, plot, file, status);
 }
 
 void ZW_ZPREAD(ZW_ZP** plot, const char* file, int* status) {
-  set(status, 1);
-  guarded(status, [&] {
-    ss::PlotRecord* p = plotOrCurrent(plot);
-    if (!p) return;
-    if (auto s = ss::readPlotFile(fileArgument(file), *p); !s) return ss::host::showMessage(s.message());
-    set(status, 0);
-  });
+  showPlotFileFault(ss::PlotFileDirection::Read, plot, file, status);
 }
 
 }  // extern "C"

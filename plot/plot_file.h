@@ -32,6 +32,17 @@ Status readPlotFile(const std::string& path, PlotRecord& plot);
 std::string lineRecordText(const LineElement& line);
 Status readLineRecordText(std::string_view text, LineElement& line);
 
+// The path a 260-character blank-padded file field names, logical prefixes
+// resolved.
+std::string fileFieldPath(const char* field);
+
+// The one body of the plot-file entry points, which differ only in how they
+// report a fault: writes or reads plot (null: the current plot) at the file
+// the field names. Never throws; a missing plot, a bad file or an allocation
+// failure comes back as a failed status with its message.
+enum class PlotFileDirection { Write, Read };
+Status exchangePlotFile(PlotFileDirection direction, PlotRecord* plot, const char* fileField);
+
 // The lines of a plot file, as written (for tests and previews).
 std::string plotFileText(const PlotRecord& plot);
 

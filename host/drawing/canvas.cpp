@@ -99,6 +99,26 @@ std::unique_ptr<Canvas> Canvas::open(OutputKind kind, const std::string& path, c
   return c;
 }
 
+std::unique_ptr<Canvas> Canvas::onImage(cairo_surface_t* image, double dpi, Status& status) {
+  if (!image || cairo_surface_get_type(image) != CAIRO_SURFACE_TYPE_IMAGE ||
+      cairo_surface_status(image) != CAIRO_STATUS_SUCCESS || !(dpi >= 10.0 && dpi <= 2400.0)) {
+    status = Status::error("The window has no drawable image");
+    return nullptr;
+  }
+  std::unique_ptr<Canvas> c(new Canvas());
+  c->kind_ = OutputKind::Png;
+  c->page_.dpi = dpi;
+  c->page_.widthMm = cairo_image_surface_get_width(image) * 25.4 / dpi;
+  c->page_.heightMm = cairo_image_surface_get_height(image) * 25.4 / dpi;
+  c->surface_ = cairo_surface_reference(image);
+  c->finished_ = true;  // nothing to write: the pixels are the result
+  c->cr_ = cairo_create(image);
+  cairo_scale(c->cr_, dpi / 25.4, dpi / 25.4);
+  c->setFont(3.0);
+  status = Status::ok();
+  return c;
+}
+
 Canvas::~Canvas() {
   if (cr_) cairo_destroy(cr_);
   if (surface_) {

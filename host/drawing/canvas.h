@@ -64,6 +64,10 @@ class Canvas {
   // degrees anticlockwise about the anchor.
   void text(std::string_view text, double x, double y, Align align, Baseline baseline, double angleDegrees = 0.0);
 
+  // A page over an image surface the caller owns (a window's pixels): no
+  // file; the page is the surface's size at dpi, drawing goes straight in.
+  static std::unique_ptr<Canvas> onImage(cairo_surface_t* image, double dpi, Status& status);
+
   // Completes the page and puts the file in place.
   Status finish();
 

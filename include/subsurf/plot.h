@@ -341,6 +341,31 @@ void ZW_LAYDFLT(ZW_ZP** plot);
  * per inch. status 1 with a message naming the file when it cannot. */
 void ZW_ZPDRAW(ZW_ZP** plot, const char* file, const float* dpi, int* status);
 
+/* Pieces of the current plot drawn into its window (the plot's window id; a
+ * window the host has not bound is an in-memory white image the size of the
+ * layout page at 96 dots per inch), each where a whole drawing of the plot
+ * in that window puts it, over what the window already shows. ..DRAW draws
+ * the current element of the current set, ..SDRAW every element of it.
+ * status 1 when there is no current plot, set or element, or the plot has no
+ * window (id 0). */
+void ZW_SYMBDRAW(int* status);
+void ZW_SYMBSDRAW(int* status);
+void ZW_TEXTDRAW(int* status);
+void ZW_TEXTSDRAW(int* status);
+void ZW_LINEDRAW(int* status);
+void ZW_LINESDRAW(int* status);
+/* The current plot's legend (its rows, or the names of its shown sets when
+ * it has none and two or more are named); status 1 when there is none. */
+void ZW_LEGDRAW(int* status);
+/* One axis (ZW_AXIS_X or ZW_AXIS_Y) of the current set with its ticks,
+ * numbers and label, placed as ZW_SETAXP says, the page laid out as if this
+ * set carried the plot's axes; status 1 for any other axis. */
+void ZW_AXDRAW(const int* axis, int* status);
+/* 1 when the point (x, y), in pixels of the current plot's window from its
+ * top-left corner, lies over the legend box (edges included); 0 otherwise,
+ * also when there is no plot, window or legend. */
+int IZW_LEGOVER(const float* x, const float* y);
+
 /* ---- Plot files ------------------------------------------------------- */
 /* Writes *plot (null = the current plot) to file (260 characters, logical
  * prefixes allowed); the file is replaced only when complete. */

@@ -324,4 +324,62 @@ TEST(PlotFileWithoutScreen, FaultsComeBackAsTextAndAGoodFileRoundTrips) {
   EXPECT_EQ(subsurf::plotTree().current()->fields.title, "Porosity");
 }
 
+// The shown and the returned forms report every fault with one text.
+TEST(PlotFileWithoutScreen, ShownAndReturnedFaultsAreTheSameText) {
+  ZW_ZPINIT();
+  subsurf::testing::TempDir dir;
+  char file[260];
+  auto name = [&](const std::string& path) {
+    std::memset(file, ' ', sizeof file);
+    std::memcpy(file, path.data(), path.size());
+  };
+  auto returned = [](const char* message) {
+    std::string m(message, 200);
+    m.erase(m.find_last_not_of(' ') + 1);
+    return m;
+  };
+  char message[200];
+  int shownStatus = 0, returnedStatus = 0;
+
+  name(dir.write("bad.zpl", "version,1\nzp_nds,x\n"));
+  subsurf::host::clearRecorded();
+  ZW_ZPREAD(nullptr, file, &shownStatus);
+  ZW_ZPREADDO(nullptr, file, message, &returnedStatus);
+  EXPECT_EQ(shownStatus, 1);
+  EXPECT_EQ(returnedStatus, 1);
+  EXPECT_EQ(subsurf::host::recordedMessages(),
+            std::vector<std::string>{dir.file("bad.zpl") + ", line 2: column 2 is not a whole number"});
+  EXPECT_EQ(returned(message), subsurf::host::recordedMessages().at(0));
+
+  // A folder where the file should be: written by neither.
+  name(dir.path());
+  subsurf::host::clearRecorded();
+  ZW_ZPWRITE(nullptr, file, &shownStatus);
+  ZW_ZPWRITEDO(nullptr, file, message, &returnedStatus);
+  EXPECT_EQ(shownStatus, 1);
+  EXPECT_EQ(returnedStatus, 1);
+  ASSERT_EQ(subsurf::host::recordedMessages().size(), 1u);
+  EXPECT_FALSE(returned(message).empty());
+  EXPECT_EQ(returned(message), subsurf::host::recordedMessages().at(0));
+
+  // No plot at all: a removed only child leaves none current.
+  ZW_ZP* root = nullptr;
+  ZW_ZPCURRENT(&root);
+  ZW_ZP* kid = nullptr;
+  int seq = 0;
+  ZW_ZPADDKID(&root, &kid, &seq);
+  ZW_ZPREMOVE(&kid, &shownStatus);
+  name(dir.file("none.zpl"));
+  subsurf::host::clearRecorded();
+  ZW_ZPWRITE(nullptr, file, &shownStatus);
+  ZW_ZPWRITEDO(nullptr, file, message, &returnedStatus);
+  EXPECT_EQ(shownStatus, 1);
+  EXPECT_EQ(returnedStatus, 1);
+  EXPECT_EQ(subsurf::host::recordedMessages(), std::vector<std::string>{"There is no plot to write"});
+  EXPECT_EQ(returned(message), "There is no plot to write");
+  ZW_ZPREADDO(nullptr, file, message, &returnedStatus);
+  EXPECT_EQ(returned(message), "There is no plot to read into");
+  ZW_ZPDEL(&kid);
+}
+
 }  // namespace
