@@ -9,6 +9,7 @@
 #include "core/output_guard.h"
 #include "core/split_naming.h"
 #include "host/atomic_file.h"
+#include "host/csv_row.h"
 #include "host/fixed_text.h"
 #include "host/image/photo.h"
 #include "host/messages.h"
@@ -46,12 +47,9 @@ void rowSize(const RowOutcome& row, RowFormat format, int& width, int& height) {
 std::string csvField(std::string_view text) {
   if (text.find_first_of(",\"\r\n") == std::string_view::npos && (text.empty() || (text.front() != ' ' && text.back() != ' ')))
     return std::string(text);
-  std::string out = "\"";
-  for (char c : text) {
-    if (c == '"') out += '"';
-    out += c;
-  }
-  return out + "\"";
+  std::string out;
+  appendQuotedCsvField(out, text);
+  return out;
 }
 
 std::vector<std::string> manifestLines(const std::vector<PhotoJob>& jobs, const std::vector<PhotoOutcome>& outcomes,

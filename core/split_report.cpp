@@ -1,6 +1,7 @@
 #include "core/split_report.h"
 
 #include "core/split_naming.h"
+#include "host/csv_row.h"
 
 namespace subsurf::split {
 
@@ -9,16 +10,8 @@ namespace {
 // of the table: quoted, quotes doubled, when it holds what would end the
 // field or the line.
 void appendField(std::string& line, std::string_view text) {
-  if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
-    line += text;
-    return;
-  }
-  line += '"';
-  for (char c : text) {
-    if (c == '"') line += '"';
-    line += c;
-  }
-  line += '"';
+  if (text.find_first_of(",\"\r\n") == std::string_view::npos) line += text;
+  else appendQuotedCsvField(line, text);
 }
 }  // namespace
 

@@ -128,17 +128,21 @@ std::string CsvRow::str() const {
     if (k) out.push_back(',');
     const Field& f = fields_[k];
     if (f.quoteWhenWritten || needsQuotes(f.text)) {
-      out.push_back('"');
-      for (char c : f.text) {
-        if (c == '"') out.push_back('"');
-        out.push_back(c);
-      }
-      out.push_back('"');
+      appendQuotedCsvField(out, f.text);
     } else {
       out += f.text;
     }
   }
   return out;
+}
+
+void appendQuotedCsvField(std::string& out, std::string_view text) {
+  out.push_back('"');
+  for (char c : text) {
+    if (c == '"') out.push_back('"');
+    out.push_back(c);
+  }
+  out.push_back('"');
 }
 
 std::string shortestText(float value) { return fmt::format("{}", value); }

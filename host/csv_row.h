@@ -58,6 +58,10 @@ class CsvRow {
   std::vector<Field> fields_;
 };
 
+// Appends text to out as one quoted CSV field: in double quotes, a quote
+// inside doubled. Callers decide when a field needs it.
+void appendQuotedCsvField(std::string& out, std::string_view text);
+
 // Number text used in rows: the shortest text that reads back to the same value.
 std::string shortestText(float value);
 std::string shortestText(double value);
