@@ -23,11 +23,7 @@ namespace fs = std::filesystem;
 
 using Outcome = subsurf::testing::CommandRun;
 
-std::string quoted(const std::string& s) {
-  std::string q = "'";
-  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
+using subsurf::testing::shellQuoted;
 
 class SlabberCliTest : public ::testing::Test {
  protected:
@@ -39,9 +35,9 @@ class SlabberCliTest : public ::testing::Test {
   // Runs slabber with the arguments, in the scratch folder, with a scratch
   // user library.
   Outcome slabber(const std::vector<std::string>& args) {
-    std::string command = "cd " + quoted(dir.path()) + " && SUBSURF_USERLIB=" + quoted(dir.file("userlib")) + " " +
-                          quoted(program.string());
-    for (const std::string& a : args) command += " " + quoted(a);
+    std::string command = "cd " + shellQuoted(dir.path()) + " && SUBSURF_USERLIB=" + shellQuoted(dir.file("userlib")) + " " +
+                          shellQuoted(program.string());
+    for (const std::string& a : args) command += " " + shellQuoted(a);
     return subsurf::testing::runCommand(command);
   }
 
@@ -475,7 +471,7 @@ TEST_F(SlabberCliTest, VersionAndMistypedCommands) {
   r = slabber({"shwo"});
   EXPECT_EQ(r.err, "slabber: unknown command \"shwo\"; did you mean \"show\"? (slabber --help lists them)\n");
 
-  const Outcome other = subsurf::testing::runCommand(quoted(subsurf::testing::builtProgram("subsurf")) +
+  const Outcome other = subsurf::testing::runCommand(shellQuoted(subsurf::testing::builtProgram("subsurf")) +
                                                      " --version");
   EXPECT_EQ(other.status, 0);
   EXPECT_EQ(other.out.rfind("subsurf ", 0), 0u) << other.out;
