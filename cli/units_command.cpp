@@ -62,7 +62,7 @@ void reportUnknownUnit(const UnitsRegistry& reg, int iser, const std::string& un
 void reportUnitTaken(const UnitsRegistry& reg, int iser, const TypedUnit& unit, const std::string& typed) {
   const std::string name = reg.unitName(iser, unit.iun);
   if (unit.by == TypedUnit::By::Name && unit.exactCase) return;
-  const std::string& description = reg.units()[static_cast<std::size_t>(reg.unitId(iser, unit.iun) - 1)].description;
+  const std::string description = reg.unitDescription(iser, unit.iun);
   host::showMessage(fmt::format("\"{}\" taken as {}{} in series \"{}\"", typed, shownUnit(name),
                                 description.empty() ? "" : " (" + description + ")", reg.seriesName(iser)));
 }
@@ -72,7 +72,7 @@ void reportUnitTaken(const UnitsRegistry& reg, int iser, const TypedUnit& unit, 
 // user is told so, with the size of the difference.
 void noteGasConvention(const UnitsRegistry& reg, int iser, int from, int to) {
   auto description = [&](int iun) {
-    return lowerCase(reg.units()[static_cast<std::size_t>(reg.unitId(iser, iun) - 1)].description);
+    return lowerCase(reg.unitDescription(iser, iun));
   };
   auto standardFeet = [](const std::string& d) { return d.find("standard cubic f") != std::string::npos; };
   auto metric = [](const std::string& d) {

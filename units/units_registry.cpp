@@ -154,6 +154,11 @@ std::string UnitsRegistry::unitOtherName(int iser, int iun) const {
   return u ? u->otherName : std::string();
 }
 
+std::string UnitsRegistry::unitDescription(int iser, int iun) const {
+  const UnitDefinition* u = unitOf(iser, iun);
+  return u ? u->description : std::string();
+}
+
 int UnitsRegistry::defaultUnit(int iser, int system) const {
   if (!validSeries(iser)) return kNoDimension;
   const UnitSeries& s = series_[static_cast<std::size_t>(iser)];

@@ -102,6 +102,7 @@ class UnitsRegistry {
   int unitId(int iser, int iun) const;                     // 0 when none
   std::string unitName(int iser, int iun) const;           // "" when none
   std::string unitOtherName(int iser, int iun) const;
+  std::string unitDescription(int iser, int iun) const;     // "" when none
   // system 1..3: the default unit's position; 4: the series' dimension.
   // -32768 for an iser out of range.
   int defaultUnit(int iser, int system) const;
