@@ -19,6 +19,7 @@
 #include "core/depth_table.h"
 #include "core/image_settings.h"
 #include "core/name_depths.h"
+#include "core/output_guard.h"
 #include "core/session_files.h"
 #include "core/split_naming.h"
 #include "host/fixed_text.h"
@@ -148,6 +149,7 @@ int runNew(const NewOptions& o) {
   const std::string path = sessionFileName(o.session);
   if (fs::exists(path) && !o.force)
     return fail(fmt::format("{} already exists; give --force to replace it", path));
+  if (Status s = split::checkSessionReplaceable(path); !s) return fail(s.message());
   if (o.top && o.base && !(*o.top < *o.base)) return fail(kTopNotAboveBase);
 
   RectangleTemplate holder;

@@ -14,6 +14,9 @@
 namespace subsurf::split {
 namespace {
 
+constexpr std::string_view kSessionHead = "version,";
+constexpr std::string_view kMarkedSessionHead = "\xEF\xBB\xBFversion,";  // after a byte-order mark
+
 bool isPlainFileName(std::string_view name) {
   return name.find_first_of("/\\") == std::string_view::npos && name.find("..") == std::string_view::npos;
 }
@@ -61,6 +64,13 @@ Status checkManifestReplaceable(const std::string& path) {
   if (beginsAs(path, kManifestHeader)) return Status::ok();
   return Status::error(
       fmt::format("{} is not a split manifest; it is left as it is (name another manifest file)", path));
+}
+
+Status checkSessionReplaceable(const std::string& path) {
+  if (beginsAs(path, kSessionHead) || beginsAs(path, kMarkedSessionHead))
+    return Status::ok();
+  return Status::error(
+      fmt::format("{} is not a session file; it is left as it is (name another session file)", path));
 }
 
 }  // namespace subsurf::split

@@ -4,8 +4,8 @@
 // file names, never paths, so that no session can make a run write or create
 // folders outside the output folder the user chose. And a run replaces only
 // files of the kind it writes: the table of clipping depths only a previous
-// table, the manifest only a previous manifest (row images are guarded by
-// image::AtomicOutput).
+// table, the manifest only a previous manifest, a session only a session
+// (row images are guarded by image::AtomicOutput).
 #pragma once
 
 #include <string>
@@ -33,5 +33,10 @@ Status checkReportReplaceable(const std::string& path);
 // Fails when path holds a non-empty file that does not begin with the
 // manifest's header line.
 Status checkManifestReplaceable(const std::string& path);
+
+// Fails when path holds a non-empty file that does not begin as a session
+// file does, so that "slabber new *.jpg --force" cannot take the first
+// photograph for the session's name and write over it.
+Status checkSessionReplaceable(const std::string& path);
 
 }  // namespace subsurf::split

@@ -243,6 +243,25 @@ TEST_F(SlabberCliTest, ExistingSessionIsReplacedOnlyWhenForced) {
   EXPECT_NE(TempDir::read(dir.file("s.slbs")), before);
 }
 
+TEST_F(SlabberCliTest, ForceReplacesOnlyASessionNeverAPhotograph) {
+  // "slabber new *.jpg --force" takes the first photograph for the session's name.
+  threeTrays();
+  const std::string photoBefore = TempDir::read(dir.file(trays[0]));
+  std::vector<std::string> args = {"new"};
+  args.insert(args.end(), trays.begin(), trays.end());
+  args.push_back("--force");
+  const Outcome refused = slabber(args);
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.err, "slabber: " + trays[0] +
+                             " is not a session file; it is left as it is (name another session file)\n");
+  EXPECT_EQ(TempDir::read(dir.file(trays[0])), photoBefore);
+
+  // A session saved by another program with a byte-order mark is still a session.
+  dir.write("marked.slbs", "\xEF\xBB\xBFversion,2.11a\nimages,0\n");
+  EXPECT_EQ(slabber({"new", "marked.slbs", trays[1], "--force"}).status, 0);
+  EXPECT_EQ(TempDir::read(dir.file("marked.slbs")).rfind("version,", 0), 0u);
+}
+
 TEST_F(SlabberCliTest, DepthsCommandRefusesWithoutTouchingTheFileElseCarriesAndSaves) {
   threeTrays();
   ASSERT_EQ(slabber(newArgs({"--rows", "5", "--depths-from-names"})).status, 0);
