@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/core_session.h"
+#include "core/output_guard.h"
 #include "core/session_files.h"
 #include "core/split_process.h"
 #include "host/fixed_text.h"
@@ -47,9 +48,16 @@ void COR_SAVESESSION(const char* file, int* status) {
 void COR_READSESSION(const char* file, int* status) {
   const std::string path = fileArgument(file);
   subsurf::SessionOptions options;
-  const bool done = static_cast<bool>(subsurf::readSession(subsurf::coreSession(), options, path));
+  bool done = static_cast<bool>(subsurf::readSession(subsurf::coreSession(), options, path));
   if (done) {
-    subsurf::applySessionOptions(options, subsurf::split::toolSplitOptions());
+    // A name from the file that would take the output out of its folder is
+    // refused; the rows are read, but the host's own split options stay.
+    if (const subsurf::Status names = subsurf::split::checkSessionOutputNames(options, path, false); !names) {
+      subsurf::host::showMessage(names.message());
+      done = false;
+    } else {
+      subsurf::applySessionOptions(options, subsurf::split::toolSplitOptions());
+    }
     rememberSessionFolder(path);
   }
   setStatus(status, done);

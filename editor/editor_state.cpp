@@ -24,6 +24,7 @@
 #include <filesystem>
 
 #include "core/image_settings.h"
+#include "core/output_guard.h"
 #include "core/row_rectangles.h"
 #include "core/session_copy.h"
 #include "core/split_naming.h"
@@ -147,6 +148,8 @@ Status EditorState::open(const std::string& sessionPath) {
   path_ = sessionPath;
   const Status s = readSession(session_, options_, path_);
   if (!s) return s;
+  // The editor splits with the session's own names, and no command line can name other places.
+  if (Status names = split::checkSessionOutputNames(options_, path_, false); !names) return names;
   for (CoreImage* image : session_.images()) {
     image::PixelSize size;
     if (image::readPixelSize(image->sourceFile(), size)) photoSizes_[image->sourceFile()] = {size.width, size.height};

@@ -38,6 +38,16 @@ TEST_F(HostileSession, ARootNameThatIsAPathIsRefusedAndNothingIsWritten) {
   EXPECT_EQ(run("split " + sessionFile + " --out " + out).status, 0);
 }
 
+TEST_F(HostileSession, TheEditorRefusesToOpenASessionWhoseRootNameIsAPath) {
+  // The editor splits with the session's names; no command line can name other places.
+  sessionOptions.override = 1;
+  sessionOptions.rootName = "../../x";
+  save();
+  const CommandRun r = run("edit " + sessionFile + " --port 0");
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err, refusal(sessionFile, "rootname", "../../x"));
+}
+
 TEST_F(HostileSession, AReportRootThatIsAPathIsRefusedUnlessTheCommandLineNamesTheReport) {
   sessionOptions.doReport = 1;
   sessionOptions.reportRoot = "../../escape.csv";

@@ -373,6 +373,33 @@ TEST_F(SessionFileTest, ExportedRoutinesCarryTheSplitOptionsThroughTheFile) {
   tool.close();
 }
 
+TEST_F(SessionFileTest, TheLibraryRefusesASessionWhoseRootNameIsAPath) {
+  CoreSession& tool = coreSession();
+  tool.close();
+  fill(tool, 1, 2);
+  split::SplitOptions& o = split::toolSplitOptions();
+  const split::SplitOptions before = o;
+  SessionOptions hostile;
+  hostile.override = 1;
+  hostile.rootName = "../../escape";
+  const std::string path = dir.file("hostile.slbs");
+  ASSERT_TRUE(saveSession(tool, hostile, path));
+
+  o.naming.rootName = "HOST";
+  std::string name(260, ' ');
+  setFixed(name.data(), name.size(), path);
+  int status = -1;
+  COR_READSESSION(name.c_str(), &status);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(lastMessage(), path +
+                               ": \"rootname\" \"../../escape\" is refused: it must be a file name, without \"/\", "
+                               "\"\\\" or \"..\", so that nothing is written outside the output folder");
+  EXPECT_EQ(o.naming.rootName, "HOST");  // the host's own options stay
+
+  o = before;
+  tool.close();
+}
+
 TEST_F(SessionFileTest, PngChoiceIsSavedAsBitmaps) {
   split::SplitOptions o;
   o.naming.format = split::RowFormat::Png;
