@@ -48,7 +48,10 @@ Status addFittedLine(PlotRecord& plot, RegressionMethod method, RegressionForm f
   }
   if (Status s = fitRegression(u, v, method, form, through, out.fit); !s) return s;
 
-  out.description = power ? describePowerLine(out.fit.coefficients[0], out.fit.coefficients[1], logs)
+  // A power line is y = a*x^b in the values themselves whatever the axes show,
+  // so its equation names y and x: "log(y) = a*x^(b)" on a log y axis would
+  // claim that log(y) grows as a power of x, which is not the curve drawn.
+  out.description = power ? describePowerLine(out.fit.coefficients[0], out.fit.coefficients[1], AxisLogs{})
                           : describePolynomial(out.fit.coefficients, logs);
   out.report = regressionReportLine(out.fit);
 
@@ -58,6 +61,7 @@ Status addFittedLine(PlotRecord& plot, RegressionMethod method, RegressionForm f
   std::vector<float> lx, ly;
   for (int k = 0; k <= kLineSamples && std::isfinite(lo) && std::isfinite(hi); ++k) {
     const double x = fromPlotted(lo + (hi - lo) * k / kLineSamples, xLog);
+    if (power && x <= 0) continue;  // fitted on positive x only; x^b may exist below 0, the fit does not
     const double y = power ? out.fit.valueAt(x) : fromPlotted(out.fit.valueAt(toPlotted(x, fitLogs.x)), fitLogs.y);
     if (!std::isfinite(y) || (logs.y && y <= 0)) continue;
     lx.push_back(static_cast<float>(x));
