@@ -22,6 +22,7 @@
 #include "host/paths.h"
 #include "plot/axis_scales.h"
 #include "plot/axis_ticks.h"
+#include "plot/colour_bar_drawing.h"
 
 namespace subsurf {
 namespace {
@@ -339,6 +340,7 @@ class PlotPainter {
     cairo_reset_clip(cr_);
     axes();
     legend();
+    colourBar();
   }
 
   // Finds the data area as paint() does, drawing nothing.
@@ -445,7 +447,14 @@ class PlotPainter {
     if (axesSet_) axisScales_ = {drawableScale(axesSet_->scales[0]), drawableScale(axesSet_->scales[1])};
     annotationStrips(box);
     title(box);
+    if (plot_.colourBar) box.right -= colourBarWidth(c_, *plot_.colourBar, numberHeight());
     layoutAxes(box);
+    barLeft_ = box.right;
+  }
+
+  void colourBar() {
+    if (!plot_.colourBar) return;
+    drawColourBar(c_, *plot_.colourBar, {barLeft_, area_.top, area_.bottom, numberHeight()});
   }
 
   const PlotSet* firstShownSet() const {
@@ -976,6 +985,7 @@ class PlotPainter {
   const PlotSet* axesSet_ = nullptr;
   std::array<ZW_SCALE, 2> axisScales_{};
   Rect area_{};
+  double barLeft_ = 0;  // where the colour bar's column starts
   std::vector<Tick> xTicks_, yTicks_;
 };
 
