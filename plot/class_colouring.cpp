@@ -1,5 +1,6 @@
 #include "plot/class_colouring.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <fmt/format.h>
@@ -9,6 +10,7 @@
 #include "host/nulls.h"
 #include "host/number_text.h"
 #include "host/vector_stats.h"
+#include "plot/single_set_plot.h"
 
 namespace subsurf {
 
@@ -98,6 +100,67 @@ Status colourMapForValues(const std::vector<float>& values, int classes, bool lo
   return Status::ok();
 }
 
+ClassCounts countByClass(const ColourMap& map, const std::vector<float>& values) {
+  ClassCounts counts;
+  const int n = map.classes();
+  counts.perClass.assign(static_cast<std::size_t>(n), 0);
+  for (const float v : values) {
+    const int k = hasValue(v) ? classOf(map, v) : -1;
+    if (k < 0) ++counts.noValue;
+    else if (k == 0) ++counts.below;
+    else if (k > n) ++counts.above;
+    else ++counts.perClass[static_cast<std::size_t>(k - 1)];
+  }
+  return counts;
+}
+
+PlotRecord makeClassHistogram(const ColourMap& map, const std::vector<float>& values, const std::string& title,
+                              ClassCounts& counts) {
+  counts = countByClass(map, values);
+  PlotRecord plot = singleSetPlot("", title);
+  PlotSet& axes = plot.sets.back();
+  axes.sym = 0;
+  axes.legend = 0;
+  axes.labels[0] = fieldText(title, kAxisLabelWidth);
+  axes.labels[1] = "Frequency";
+  const int n = map.classes();
+  const bool categorical = map.icat == 1 || map.bounds.size() != static_cast<std::size_t>(n) + 1;
+  const auto lower = [&](int k) { return categorical ? k - 0.4f : map.bounds[static_cast<std::size_t>(k - 1)]; };
+  const auto upper = [&](int k) { return categorical ? k + 0.4f : map.bounds[static_cast<std::size_t>(k)]; };
+  long most = 1, points = 0;
+  for (const long c : counts.perClass) most = std::max(most, c), points += c;
+  ZW_SCALE& xs = axes.scales[0];
+  ZW_SCALE& ys = axes.scales[1];
+  xs.TYPE = map.ifsc == 2 && !categorical && lower(1) > 0 ? 2 : 1;
+  xs.MODE = ys.MODE = 1;
+  ys.TYPE = 1;
+  xs.MIN = n > 0 ? (categorical ? 0.5f : lower(1)) : 0.0f;
+  xs.MAX = n > 0 ? (categorical ? n + 0.5f : upper(n)) : 1.0f;
+  ys.MIN = 0;
+  ys.MAX = static_cast<float>(most) * 1.15f;
+  std::vector<PlotSet> bars;  // appended last: they are copied from the axes set
+  for (int k = 1; k <= n; ++k) {
+    const long c = counts.perClass[static_cast<std::size_t>(k - 1)];
+    if (c == 0) continue;
+    PlotSet bar = classSet(axes, classLabel(map, k), map.colours[static_cast<std::size_t>(k - 1)], 0);
+    bar.lin = 1;
+    bar.shd = 1;
+    bar.lirgb = bar.shrgb = bar.syrgb;
+    const float a = lower(k), b = upper(k), h = static_cast<float>(c);
+    bar.data[0] = {a, a, b, b};
+    bar.data[1] = {0, h, h, 0};
+    bars.push_back(std::move(bar));
+  }
+  ZW_TEXT label = defaultText();
+  label.X = xs.MAX;
+  label.Y = ys.MAX * 0.96f;
+  label.ALIGN = 3;
+  setFixed(label.TEXT, fmt::format("No. of points: {}  Classes: {}", points, n));
+  axes.texts.add(label);
+  for (PlotSet& bar : bars) plot.sets.push_back(std::move(bar));
+  return plot;
+}
+
 std::string classLabel(const ColourMap& map, int k) {
   const std::size_t i = static_cast<std::size_t>(k - 1);
   if (i < map.names.size() && !trimBlanks(map.names[i]).empty()) return trimBlanks(map.names[i]);
@@ -129,23 +192,10 @@ Status colourPointsByClass(PlotRecord& plot, const std::vector<float>& colour, c
   for (int k = 1; k <= n; ++k)
     sets.push_back(classSet(all, classLabel(map, k), map.colours[static_cast<std::size_t>(k - 1)], markers));
   sets.push_back(classSet(all, "above", map.c1, map.c1 > 0 ? markers : 0));
-  counts = ClassCounts{};
-  counts.perClass.assign(static_cast<std::size_t>(n), 0);
+  counts = countByClass(map, colour);
   for (std::size_t i = 0; i < colour.size(); ++i) {
     const int k = hasValue(colour[i]) ? classOf(map, colour[i]) : -1;
-    std::size_t place = 0;
-    if (k < 0) {
-      ++counts.noValue;
-    } else if (k == 0) {
-      ++counts.below;
-      place = 1;
-    } else if (k > n) {
-      ++counts.above;
-      place = static_cast<std::size_t>(n) + 2;
-    } else {
-      ++counts.perClass[static_cast<std::size_t>(k - 1)];
-      place = static_cast<std::size_t>(k) + 1;
-    }
+    const std::size_t place = k < 0 ? 0 : k == 0 ? 1 : static_cast<std::size_t>(std::min(k, n + 1)) + 1;
     for (int a : {0, 1, kColourAxis})
       sets[place].data[static_cast<std::size_t>(a)].push_back(all.data[static_cast<std::size_t>(a)][i]);
   }

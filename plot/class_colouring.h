@@ -37,6 +37,18 @@ Status colourMapForValues(const std::vector<float>& values, int classes, bool lo
 Status colourPointsByClass(PlotRecord& plot, const std::vector<float>& colour, const ColourMap& map,
                            const std::string& title, ClassCounts& counts);
 
+// The points of each class of values (null, NaN and magnitudes of 9e19 or
+// more have no value).
+ClassCounts countByClass(const ColourMap& map, const std::vector<float>& values);
+
+// A histogram of the values by class of the map: one bar per class from its
+// lower to its upper bound (a categorical class k from k - 0.4 to k + 0.4),
+// outlined and shaded in the class colour, the count "No. of points: N
+// Classes: n" top right (N the points that have a class), the x axis named
+// title, the y axis "Frequency".
+PlotRecord makeClassHistogram(const ColourMap& map, const std::vector<float>& values, const std::string& title,
+                              ClassCounts& counts);
+
 // A class as the legend of the colour bar reads it: its name, else
 // "LOWER - UPPER" (a categorical class: its value).
 std::string classLabel(const ColourMap& map, int k);

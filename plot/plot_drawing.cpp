@@ -436,6 +436,13 @@ class PlotPainter {
     }
   }
 
+  // The colour bar beside the data area; false when the plot has none.
+  bool colourBar() {
+    if (!plot_.colourBar) return false;
+    drawColourBar(c_, *plot_.colourBar, {barLeft_, area_.top, area_.bottom, numberHeight()});
+    return true;
+  }
+
  private:
   void layOut(bool drawing, const PlotSet* carrier = nullptr) {
     drawing_ = drawing;
@@ -452,10 +459,6 @@ class PlotPainter {
     barLeft_ = box.right;
   }
 
-  void colourBar() {
-    if (!plot_.colourBar) return;
-    drawColourBar(c_, *plot_.colourBar, {barLeft_, area_.top, area_.bottom, numberHeight()});
-  }
 
   const PlotSet* firstShownSet() const {
     for (const PlotSet& s : plot_.sets)
@@ -1027,6 +1030,10 @@ Status drawPlot(const PlotRecord& plot, const DrawOptions& options) {
   return canvas->finish();
 }
 
+void drawPlotOn(const PlotRecord& plot, Canvas& canvas, const DrawOptions& options) {
+  PlotPainter(plot, canvas, options).paint();
+}
+
 PlotPieces::PlotPieces(const PlotRecord& plot, Canvas& canvas, const DrawOptions& options)
     : options_(options), painter_(std::make_unique<PlotPainter>(plot, canvas, options_)) {
   painter_->layOut();
@@ -1038,6 +1045,7 @@ void PlotPieces::symbol(const PlotSet& set, const ZW_SYMB& s) { painter_->symbol
 void PlotPieces::text(const PlotSet& set, const ZW_TEXT& t) { painter_->text(set, t); }
 void PlotPieces::line(const PlotSet& set, const LineElement& l) { painter_->line(set, l); }
 void PlotPieces::legend() { painter_->legend(); }
+bool PlotPieces::colourBar() { return painter_->colourBar(); }
 void PlotPieces::axis(const PlotSet& set, int which) { painter_->axisOf(set, which); }
 
 bool PlotPieces::legendBox(double& left, double& top, double& width, double& height) {
