@@ -19,6 +19,7 @@ constexpr int kMedianColour = 1;  // black
 constexpr int kMeanColour = 7;    // vermillion
 constexpr int kDiamond = 4;
 constexpr float kBoxShare = 0.6f;  // of the bin's width
+constexpr std::size_t kBaseLeft = 3;  // annotation place: the base strip's left
 
 // Percentile places in BinStatisticsRow::percentiles.
 constexpr std::size_t kP95 = 1, kP90 = 2, kP50 = 3, kP10 = 4, kP5 = 5;
@@ -93,12 +94,9 @@ PlotRecord makeBinnedPlot(const BinStatistics& table, const BinnedPlotRequest& r
   count.ALIGN = 3;
   setFixed(count.TEXT, fmt::format("No. of points: {}  Bins: {}", points, table.rows.size()));
   set.texts.add(count);
-  ZW_TEXT key = defaultText();
-  key.X = xs.MIN + 0.01f * (xs.MAX - xs.MIN);
-  key.Y = top;
-  key.ALIGN = 1;
-  setFixed(key.TEXT, kBinnedPlotKey);
-  set.texts.add(key);
+  // The key goes below the axes, where it cannot meet a box or the count.
+  plot.annotation.texts[kBaseLeft] = {kBinnedPlotKey};
+  plot.annotation.basemar = 0;
   return plot;
 }
 

@@ -22,8 +22,8 @@ struct BinnedPlotRequest {
 inline constexpr const char* kBinnedPlotKey = "Box P10-P90, whiskers P5-P95, line P50, diamond mean";
 
 // The plot of a table whose rows share ascending edges (as binStatistics
-// makes them). Its text items are the key (top left) and "No. of points: N
-// Bins: n" (top right).
+// makes them). "No. of points: N  Bins: n" is written top right in the axes,
+// the key in the annotation strip below them.
 PlotRecord makeBinnedPlot(const BinStatistics& table, const BinnedPlotRequest& request);
 
 }  // namespace subsurf

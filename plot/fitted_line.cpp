@@ -15,6 +15,7 @@ namespace {
 constexpr int kLogScale = 2;
 constexpr int kLineSamples = 200;
 constexpr int kFittedLineColour = 2;
+constexpr int kBlack = 1;
 
 // Value <-> plotted coordinate of one axis.
 double toPlotted(double v, bool log) { return log ? (v > 0 ? std::log10(v) : NAN) : v; }
@@ -67,8 +68,10 @@ Status addFittedLine(PlotRecord& plot, RegressionMethod method, RegressionForm f
     lx.push_back(static_cast<float>(x));
     ly.push_back(static_cast<float>(y));
   }
+  // Points coloured by class may use any palette colour: the line is black then.
+  const int colour = plot.colourBar ? kBlack : kFittedLineColour;
   LineElement line;
-  line.COLOUR = kFittedLineColour;
+  line.COLOUR = colour;
   line.WIDTH = 0.5f;
   setFixed(line.NAME, std::string(regressionMethodName(method)) + " fit");
   line.setPoints(std::move(lx), std::move(ly));
@@ -80,7 +83,7 @@ Status addFittedLine(PlotRecord& plot, RegressionMethod method, RegressionForm f
   const double ty = toPlotted(ys.MIN, logs.y) + 0.95 * (toPlotted(ys.MAX, logs.y) - toPlotted(ys.MIN, logs.y));
   text.X = static_cast<float>(fromPlotted(tx, xLog));
   text.Y = static_cast<float>(fromPlotted(ty, logs.y));
-  text.COLOUR = kFittedLineColour;
+  text.COLOUR = colour;
   setFixed(text.TEXT, out.description);
   set.texts.add(text);
   return Status::ok();

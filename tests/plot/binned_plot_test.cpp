@@ -50,9 +50,9 @@ TEST(BinnedPlot, EachFilledBinDrawsItsPercentilesAndMean) {
   EXPECT_EQ(set.scales[0].MAX, 4.0f);
   EXPECT_LE(set.scales[1].MIN, 1.5f);
   EXPECT_GT(set.scales[1].MAX, 10.5f);
-  ASSERT_EQ(set.texts.count(), 2);
+  ASSERT_EQ(set.texts.count(), 1);
   EXPECT_EQ(ss::fixedText(set.texts.at(1).TEXT), "No. of points: 13  Bins: 3");
-  EXPECT_EQ(ss::fixedText(set.texts.at(2).TEXT), ss::kBinnedPlotKey);
+  EXPECT_EQ(plot.annotation.texts[3], std::vector<std::string>{ss::kBinnedPlotKey});
   EXPECT_EQ(set.labels[0], "phi");
   EXPECT_EQ(set.labels[1], "k");
 }

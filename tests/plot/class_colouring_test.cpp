@@ -17,6 +17,7 @@
 #include "plot/class_colouring.h"
 #include "plot/colour_bar.h"
 #include "plot/crossplot.h"
+#include "plot/fitted_line.h"
 #include "plot/plot_drawing.h"
 #include "support/run_program.h"
 #include "support/temp_dir.h"
@@ -101,6 +102,11 @@ TEST(ClassColouring, BoundaryValuesTakeTheClassAboveAndTheTopBoundTheLast) {
   }
   ASSERT_TRUE(plot.colourBar.has_value());
   EXPECT_EQ(plot.colourBar->noValue, 2);
+  // A fitted line fits every point and is black among the class colours.
+  ss::FittedLine fit;
+  ASSERT_TRUE(ss::addFittedLine(plot, ss::RegressionMethod::YOnX, ss::RegressionForm::Line, std::nullopt, fit).isOk());
+  EXPECT_EQ(fit.fit.points, 10);
+  EXPECT_EQ(plot.sets[0].lines.at(1).COLOUR, 1);
 
   // Colours for the outside classes draw those points too.
   map.c0 = 7;
