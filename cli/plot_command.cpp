@@ -458,8 +458,10 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   xy->add_option("--fixed", o->fixed, "X,Y: the point a forced line passes through");
   xy->add_option("--colour", o->colour, "Colour the points by the class of this column, with a colour bar");
   xy->add_option("--colour-unit", o->colourUnit, "Class the colour column in this unit");
-  xy->add_option("--classes", o->classes, "Number of equal classes over the colour column's range (default 5)")
-      ->check(CLI::Range(1, kMaxColourClasses));
+  // The default colours are defined for up to nine classes; more come from a map file.
+  xy->add_option("--classes", o->classes,
+                 "Number of equal classes over the colour column's range, 1 to 9 (default 5; more: --colour-map)")
+      ->check(CLI::Range(1, 9));
   xy->add_option("--colour-scale", o->colourScale, "linear (default) or log: equal classes of the value or its logarithm");
   xy->add_option("--colour-map", o->colourMap, "Take the classes, colours and names from this colour-map file");
   xy->add_option("--save-colour-map", o->saveColourMap, "Write the colour map used to this file");

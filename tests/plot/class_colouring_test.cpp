@@ -240,6 +240,7 @@ TEST(ColourCommand, ColourMapFileRoundTripAndBadOptions) {
   fails(csv + " --x phi --y k --colour vsh --json", "line 7, column 3 (\"vsh\"): \"x9\" is not a number");
   fails(good + " --x phi --y k --colour vshale --json", "no column \"vshale\"");
   fails(good + " --x phi --y k --classes 3 --json", "give --colour COL too");
+  fails(good + " --x phi --y k --colour vsh --classes 10 --json", "--classes: Value 10 not in range 1 to 9");
   fails(good + " --x phi --y k --colour vsh --classes 3 --colour-map " + in + " --json", "not both");
   fails(good + " --x phi --y k --colour vsh --colour-scale cubic --json", "--colour-scale \"cubic\" is not linear or log");
   const std::string blank = tmp.write("blank.csv", "phi,k,vsh\n0.1,1,\n0.2,2,-9.9e20\n");
