@@ -28,8 +28,9 @@ struct ClassCounts {
 
 // A map of n classes (1..kMaxColourClasses) over the extremes of the usable
 // values, divided in equal widths (of the logarithm when logarithmic), with
-// the default colours. Fails when no value is usable, or, logarithmic, when
-// none is above 0 ("Invalid value for log scale").
+// the default colours (which exist for 1 to 9 classes; more classes get
+// colour 0 and need colours of their own). Fails when no value is usable,
+// or, logarithmic, when none is above 0 ("Invalid value for log scale").
 Status colourMapForValues(const std::vector<float>& values, int classes, bool logarithmic, ColourMap& map);
 
 // Colours the points of the plot's first set by colour[i] (one value per
