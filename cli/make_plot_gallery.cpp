@@ -12,6 +12,11 @@
 #include "host/fixed_text.h"
 #include "plot/axis_scales.h"
 #include "plot/axis_ticks.h"
+#include "plot/binned_plot.h"
+#include "plot/class_colouring.h"
+#include "plot/crossplot.h"
+#include "plot/fitted_line.h"
+#include "plot/histogram_plot.h"
 #include "plot/plot_drawing.h"
 
 namespace ss = subsurf;
@@ -201,6 +206,81 @@ ss::PlotRecord typeDemo(int type) {
   return p;
 }
 
+// Plugs of a shaly sand: porosity falls and permeability falls further as
+// the shale volume rises.
+struct Plugs {
+  std::vector<float> phi, k, vsh;
+};
+
+Plugs shalySand() {
+  Plugs p;
+  Noise n(11);
+  for (int i = 0; i < 400; ++i) {
+    const double vsh = 0.6 * n.uniform();
+    const double phi = (0.06 + 0.24 * n.uniform()) * (1 - 0.55 * vsh);
+    p.vsh.push_back(static_cast<float>(vsh));
+    p.phi.push_back(static_cast<float>(phi));
+    p.k.push_back(static_cast<float>(9000 * std::pow(phi, 4.2) * std::pow(10.0, 0.25 * n.normal() - 1.6 * vsh)));
+  }
+  return p;
+}
+
+// The frame of the gallery on a plot the engine made.
+void framed(ss::PlotRecord& p, double widthMm, double heightMm) {
+  const ss::PlotRecord frame = basePlot(p.fields.title, widthMm, heightMm);
+  p.layout = frame.layout;
+  for (auto& set : p.sets) set.axnumht = 2.6f, set.axlabht = 3.0f;
+}
+
+ss::PlotRecord porosityHistogram() {
+  const Plugs plugs = shalySand();
+  ss::Histogram h;
+  ss::countHistogram(plugs.phi, 0, h);
+  ss::PlotRecord p = ss::makeHistogramPlot(h, "Porosity", "frac", "Porosity of 400 plugs (Sturges' classes)", "plugs");
+  framed(p, 110, 80);
+  return p;
+}
+
+ss::PlotRecord permeabilityByPorosity() {
+  const Plugs plugs = shalySand();
+  ss::BinStatistics table;
+  ss::binStatistics(plugs.phi, plugs.k, ss::equalBinEdges(0, 0.3, 6), table);
+  ss::BinnedPlotRequest r;
+  r.byColumn = "Porosity";
+  r.byUnit = "frac";
+  r.valueColumn = "Permeability";
+  r.valueUnit = "mD";
+  r.valueScale = ss::kLog;
+  r.title = "Permeability binned by porosity";
+  ss::PlotRecord p = ss::makeBinnedPlot(table, r);
+  framed(p, 130, 95);
+  return p;
+}
+
+ss::PlotRecord colouredByShale() {
+  const Plugs plugs = shalySand();
+  ss::CrossplotData data;
+  data.x = plugs.phi;
+  data.y = plugs.k;
+  data.xColumn = "Porosity";
+  data.yColumn = "Permeability";
+  data.xUnit = "frac";
+  data.yUnit = "mD";
+  std::vector<float> vsh = plugs.vsh;
+  for (std::size_t i = 5; i < vsh.size(); i += 37) vsh[i] = ss::kRealNull;  // logs with gaps
+  ss::AxisRequest x, y;
+  y.type = ss::kLog;
+  ss::PlotRecord p = ss::makeCrossplot(data, x, y, "Porosity and permeability by shale volume", "plugs");
+  ss::ColourMap map;
+  ss::colourMapForValues(vsh, 6, false, map);
+  ss::ClassCounts counts;
+  ss::colourPointsByClass(p, vsh, map, "Vshale (frac)", counts);
+  ss::FittedLine fit;
+  ss::addFittedLine(p, ss::RegressionMethod::YOnX, ss::RegressionForm::Power, std::nullopt, fit);
+  framed(p, 150, 100);
+  return p;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -221,5 +301,8 @@ int main(int argc, char** argv) {
   failed += draw(monthly(), folder + "/date-axis.png", dpi);
   for (int type : {ss::kSquare, ss::kSqrt, ss::kRecip, ss::kStan, ss::kProb})
     failed += draw(typeDemo(type), folder + "/type-" + ss::lowerCase(ss::scaleTypeName(type).substr(0, 5)) + ".png", dpi);
+  failed += draw(porosityHistogram(), folder + "/histogram.png", dpi);
+  failed += draw(permeabilityByPorosity(), folder + "/binned-statistics.png", dpi);
+  failed += draw(colouredByShale(), folder + "/coloured-by-class.png", dpi);
   return failed == 0 ? 0 : 1;
 }

@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include "binned_input.h"
 #include "cli_support.h"
 #include "host/csv_row.h"
 #include "host/fixed_text.h"
@@ -17,6 +18,8 @@
 #include "host/nulls.h"
 #include "host/number_text.h"
 #include "plot/axis_scales.h"
+#include "plot/binned_plot.h"
+#include "plot/class_colouring.h"
 #include "plot/crossplot.h"
 #include "plot/fitted_line.h"
 #include "plot/histogram_plot.h"
@@ -43,6 +46,9 @@ struct PlotOptions {
   double dpi = 150;
   bool json = false;
   std::string fit, form = "line", fixed;  // xy: a regression line
+  std::string colour, colourUnit, colourScale = "linear", colourMap, saveColourMap;  // xy: points coloured by class
+  int classes = 0;
+  BinnedInput binned;  // bins
   std::string dip, azimuth, net = "equal-area";  // stereonet
   bool poles = false, planes = false, rose = false;
   std::string column;  // histogram
@@ -170,13 +176,75 @@ bool addFit(PlotRecord& plot, const PlotOptions& o, nlohmann::json& out) {
   return true;
 }
 
+// Checks the colouring options before any work is done.
+bool colourOptions(const PlotOptions& o) {
+  if (o.colour.empty() && (o.classes > 0 || !o.colourMap.empty() || !o.saveColourMap.empty())) {
+    fail("--classes, --colour-map and --save-colour-map colour the points by a column: give --colour COL too");
+    return false;
+  }
+  if (o.classes > 0 && !o.colourMap.empty()) {
+    fail("give --classes N or --colour-map FILE, not both (the map file has its own classes)");
+    return false;
+  }
+  if (o.colourScale != "linear" && o.colourScale != "log") {
+    fail(fmt::format("--colour-scale \"{}\" is not linear or log", o.colourScale));
+    return false;
+  }
+  return true;
+}
+
+// Colours the points by class of the colour column (a map file's classes, or
+// --classes over the column's range) and reports the classes.
+bool addColours(PlotRecord& plot, const CrossplotData& data, const PlotOptions& o, nlohmann::json& out) {
+  ColourMap map;
+  if (!o.colourMap.empty()) {
+    if (Status s = readColourMapFile(o.colourMap, map); !s) {
+      fail(s.message());
+      return false;
+    }
+  } else if (Status s = colourMapForValues(data.colour, o.classes > 0 ? o.classes : 5, o.colourScale == "log", map);
+             !s) {
+    fail(fmt::format("{}, column \"{}\": {}", o.data, data.colourColumn, s.message()));
+    return false;
+  }
+  ClassCounts counts;
+  if (Status s = colourPointsByClass(plot, data.colour, map, colourBarTitle(data.colourColumn, data.colourUnit), counts);
+      !s) {
+    fail(fmt::format("{}: {}", o.colourMap.empty() ? o.data : o.colourMap, s.message()));
+    return false;
+  }
+  if (!o.saveColourMap.empty()) {
+    if (Status s = writeColourMapFile(map, o.saveColourMap); !s) {
+      fail(s.message());
+      return false;
+    }
+  }
+  out = {{"column", data.colourColumn}, {"unit", data.colourUnit}, {"classes", nlohmann::json::array()},
+         {"below", counts.below}, {"above", counts.above}, {"no_value", counts.noValue}};
+  for (int k = 1; k <= map.classes(); ++k) {
+    const auto i = static_cast<std::size_t>(k - 1);
+    nlohmann::json c = {{"class", k}, {"label", classLabel(map, k)}, {"colour", map.colours[i]},
+                        {"points", counts.perClass[i]}};
+    if (map.icat != 1) c["lower"] = limitJson(map.bounds[i]), c["upper"] = limitJson(map.bounds[i + 1]);
+    out["classes"].push_back(c);
+  }
+  if (!o.json && counts.noValue > 0)
+    fail(fmt::format("{}: {} of {} points have no value of \"{}\"; they are drawn grey", o.data, counts.noValue,
+                     data.x.size(), data.colourColumn));
+  if (!o.json && counts.below + counts.above > 0)
+    fail(fmt::format("{}: {} points lie below and {} above the colour classes", o.data, counts.below, counts.above));
+  return true;
+}
+
 int runXy(const PlotOptions& o) {
   std::vector<drawing::OutputKind> kinds;
-  if (!outputKinds(o, kinds)) return kExitBadInput;
-  AxisRequest x, y;
+  if (!outputKinds(o, kinds) || !colourOptions(o)) return kExitBadInput;
+  AxisRequest x, y, colour;
   if (!axisRequest(o.x, o.range, "x", x) || !axisRequest(o.y, o.range, "y", y)) return kExitBadInput;
+  colour.column = o.colour;
+  colour.unit = o.colourUnit;
   CrossplotData data;
-  if (Status s = readCrossplotData(o.data, x, y, data); !s) {
+  if (Status s = readCrossplotData(o.data, x, y, o.colour.empty() ? nullptr : &colour, data); !s) {
     fail(s.message());
     return kExitBadInput;
   }
@@ -194,6 +262,11 @@ int runXy(const PlotOptions& o) {
   if (const long out = data.emptyCells + data.nullValues + data.nonFinite; out > 0 && !o.json)
     fail(fmt::format("{}: {} of {} rows left out ({} with an empty cell, {} null, {} not finite)", o.data, out,
                      data.rows, data.emptyCells, data.nullValues, data.nonFinite));
+  if (!o.colour.empty()) {
+    nlohmann::json colours;
+    if (!addColours(plot, data, o, colours)) return kExitBadInput;
+    report["colour"] = colours;
+  }
   if (!o.fit.empty()) {
     nlohmann::json fit;
     if (!addFit(plot, o, fit)) return kExitBadInput;
@@ -294,6 +367,40 @@ int runHistogram(const PlotOptions& o) {
   return kExitOk;
 }
 
+int runBins(const PlotOptions& o) {
+  std::vector<drawing::OutputKind> kinds;
+  if (!outputKinds(o, kinds)) return kExitBadInput;
+  BinnedPlotRequest request;
+  request.valueScale = scaleTypeByName(o.y.scale);
+  if (request.valueScale != 1 && request.valueScale != 2) {
+    fail(fmt::format("--y-scale \"{}\" is not linear or log", o.y.scale));
+    return kExitBadInput;
+  }
+  CrossplotData data;
+  BinStatistics table;
+  if (!readBinnedTable(o.binned, data, table)) return kExitBadInput;
+  request.byColumn = data.xColumn;
+  request.byUnit = data.xUnit;
+  request.valueColumn = data.yColumn;
+  request.valueUnit = data.yUnit;
+  request.title = o.title;
+  request.setName = std::filesystem::path(o.binned.data).stem().string();
+  const PlotRecord plot = makeBinnedPlot(table, request);
+  nlohmann::json report;
+  report["file"] = o.binned.data;
+  report["rows"] = data.rows;
+  report["bins"] = table.rows.size();
+  report["binned"] = data.x.size() - static_cast<std::size_t>(table.outside);
+  report["outside"] = table.outside;
+  report["left_out"] = data.emptyCells + data.nullValues + data.nonFinite;
+  report["y"] = scaleJson(plot.sets[0].scales[1]);
+  report["outputs"] = nlohmann::json::array();
+  if (const std::string leftOut = binnedLeftOutText(o.binned, data, table); !leftOut.empty() && !o.json) fail(leftOut);
+  if (const int rc = drawAll(plot, o, kinds, report); rc != kExitOk) return rc;
+  if (o.json) std::printf("%s\n", report.dump(2).c_str());
+  return kExitOk;
+}
+
 int runDraw(const PlotOptions& o) {
   std::vector<drawing::OutputKind> kinds;
   if (!outputKinds(o, kinds)) return kExitBadInput;
@@ -349,6 +456,15 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   xy->add_option("--fit", o->fit, "Fit a regression line: forced, x-on-y, y-on-x, rmb, rma or means (docs/regression.md)");
   xy->add_option("--form", o->form, "Form of the fitted line: line (default), power, poly2 or poly3");
   xy->add_option("--fixed", o->fixed, "X,Y: the point a forced line passes through");
+  xy->add_option("--colour", o->colour, "Colour the points by the class of this column, with a colour bar");
+  xy->add_option("--colour-unit", o->colourUnit, "Class the colour column in this unit");
+  // The default colours are defined for up to nine classes; more come from a map file.
+  xy->add_option("--classes", o->classes,
+                 "Number of equal classes over the colour column's range, 1 to 9 (default 5; more: --colour-map)")
+      ->check(CLI::Range(1, 9));
+  xy->add_option("--colour-scale", o->colourScale, "linear (default) or log: equal classes of the value or its logarithm");
+  xy->add_option("--colour-map", o->colourMap, "Take the classes, colours and names from this colour-map file");
+  xy->add_option("--save-colour-map", o->saveColourMap, "Write the colour map used to this file");
   addOutputOptions(xy, *o);
   xy->callback([o, &exitCode] { exitCode = runXy(*o); });
 
@@ -378,6 +494,21 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   hist->add_option("--title", o->title, "Title above the plot");
   addOutputOptions(hist, *o);
   hist->callback([o, &exitCode] { exitCode = runHistogram(*o); });
+
+  CLI::App* bins = plot->add_subcommand(
+      "bins", "Binned statistics drawn: per bin a P10-P90 box, P5-P95 whiskers, the P50 line and the mean");
+  bins->add_option("data", o->binned.data, "The CSV file")->required();
+  bins->add_option("--by", o->binned.by, "Column along which the bins are cut (x)")->required();
+  bins->add_option("--value", o->binned.value, "Column whose values are summarised (y)")->required();
+  bins->add_option("--by-unit", o->binned.byUnit, "Unit of the bin column (converted from the column's)");
+  bins->add_option("--value-unit", o->binned.valueUnit, "Unit of the values");
+  auto* binCount = bins->add_option("--bins", o->binned.bins, "Equal bins between the extremes (default 10)")
+                       ->check(CLI::Range(1, 100000));
+  bins->add_option("--edges", o->binned.edges, "Bin edges instead, ascending and comma-separated")->excludes(binCount);
+  bins->add_option("--y-scale", o->y.scale, "linear (default) or log");
+  bins->add_option("--title", o->title, "Title above the plot");
+  addOutputOptions(bins, *o);
+  bins->callback([o, &exitCode] { exitCode = runBins(*o); });
 
   CLI::App* draw = plot->add_subcommand("draw", "Draw a saved plot file");
   draw->add_option("plotfile", o->data, "The plot file (.zpl)")->required();

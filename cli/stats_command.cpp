@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include "binned_input.h"
 #include "cli_support.h"
 #include "host/csv_row.h"
 #include "host/messages.h"
@@ -20,28 +21,11 @@
 namespace subsurf::cli {
 namespace {
 
-struct BinsOptions {
-  std::string data, by, value, byUnit, valueUnit, edges;
-  int bins = 10;
+struct BinsOptions : BinnedInput {
   bool csv = false, json = false;
 };
 
 void fail(const std::string& text) { host::showMessage(text); }
-
-bool parseEdges(const std::string& text, std::vector<double>& edges) {
-  std::size_t start = 0;
-  while (start <= text.size()) {
-    const std::size_t comma = std::min(text.find(',', start), text.size());
-    double v = 0;
-    if (!parseReal(std::string_view(text).substr(start, comma - start), v)) {
-      fail(fmt::format("--edges \"{}\": \"{}\" is not a number", text, text.substr(start, comma - start)));
-      return false;
-    }
-    edges.push_back(v);
-    start = comma + 1;
-  }
-  return true;
-}
 
 // Columns padded to their widest entry, numbers right-aligned.
 void printAligned(const BinStatistics& table) {
@@ -85,33 +69,9 @@ int runBins(const BinsOptions& o) {
     fail("give --csv or --json, not both");
     return kExitBadInput;
   }
-  AxisRequest by, value;
-  by.column = o.by;
-  by.unit = o.byUnit;
-  value.column = o.value;
-  value.unit = o.valueUnit;
   CrossplotData data;
-  if (Status s = readCrossplotData(o.data, by, value, data); !s) {
-    fail(s.message());
-    return kExitBadInput;
-  }
-  std::vector<double> edges;
-  if (!o.edges.empty()) {
-    if (!parseEdges(o.edges, edges)) return kExitBadInput;
-  } else {
-    if (data.x.empty()) {
-      fail(fmt::format("{}: no row has values in both \"{}\" and \"{}\"", o.data, data.xColumn, data.yColumn));
-      return kExitBadInput;
-    }
-    const auto [lo, hi] = std::minmax_element(data.x.begin(), data.x.end());
-    edges = equalBinEdges(*lo, *hi > *lo ? *hi : *lo + 1.0, o.bins);
-  }
   BinStatistics table;
-  if (Status s = binStatistics(data.x, data.y, edges, table); !s) {
-    fail(s.message());
-    return kExitBadInput;
-  }
-  const long leftOut = data.emptyCells + data.nullValues + data.nonFinite;
+  if (!readBinnedTable(o, data, table)) return kExitBadInput;
   if (o.json) {
     nlohmann::ordered_json report = {{"file", o.data},       {"by", data.xColumn},     {"value", data.yColumn},
                              {"rows", data.rows},    {"binned", data.x.size() - static_cast<std::size_t>(table.outside)},
@@ -123,9 +83,7 @@ int runBins(const BinsOptions& o) {
   }
   if (o.csv) std::fputs(binStatisticsCsv(table).c_str(), stdout);
   else printAligned(table);
-  if (leftOut > 0 || table.outside > 0)
-    fail(fmt::format("{}: {} of {} rows left out ({} with an empty cell, {} null, {} not finite), {} outside the bins",
-                     o.data, leftOut, data.rows, data.emptyCells, data.nullValues, data.nonFinite, table.outside));
+  if (const std::string leftOut = binnedLeftOutText(o, data, table); !leftOut.empty()) fail(leftOut);
   return kExitOk;
 }
 

@@ -5,7 +5,11 @@
 #include "host/fixed_text.h"
 #include "host/messages.h"
 #include "host/paths.h"
+#include "plot/class_colouring.h"
 #include "plot/colour_map.h"
+#include "plot/colour_map_editing.h"
+#include "plot/plot_drawing.h"
+#include "plot/window_drawing.h"
 #include "subsurf/plot_colour_map.h"
 
 namespace ss = subsurf;
@@ -31,6 +35,27 @@ void withMap(ZW_CM** map, int* status, F&& f) {
     ss::host::showMessage("Out of memory in the colour map");
   } catch (...) {
   }
+}
+
+// Runs draw(map, canvas, plot, set) on the current plot's window when the
+// map passes its check (else its fault is shown); status as drawInCurrentWindow.
+template <typename Draw>
+void drawWithMap(ZW_CM** map, int* status, Draw&& draw) {
+  setStatus(status, 1);
+  if (!map || !*map) return;
+  ss::drawInCurrentWindow(status, true, [&](ss::drawing::Canvas& canvas, ss::PlotRecord& plot,
+                                            const ss::PlotSet* set) {
+    if (const ss::Status s = ss::checkColourMap(**map); !s) {
+      ss::host::showMessage(s.message());
+      return false;
+    }
+    return draw(**map, canvas, plot, *set);
+  });
+}
+
+// The colour axis as the bar names it: its label and unit.
+std::string colourAxisTitle(const ss::PlotSet& set) {
+  return ss::colourBarTitle(set.labels[3], ss::fixedText(set.scales[3].UNIT));
 }
 
 }  // namespace
@@ -135,6 +160,42 @@ void ZW_CMREAD(ZW_CM** map, const char* file, int* status) {
   if (!file) return setStatus(status, 1);
   withMap(map, status, [&](ss::ColourMap& m) {
     return ss::readColourMapFile(ss::resolvePath(ss::fixedText(file, kFileWidth)), m);
+  });
+}
+
+void ZW_CMTRIGS(ZW_CM** map, const char* name, int* status) {
+  if (!name) return setStatus(status, 1);
+  withMap(map, status, [&](ss::ColourMap& m) { return ss::colourMapTrigger(m, ss::fixedText(name, kNameWidth)); });
+}
+
+void ZW_CMEDIT(ZW_CM** map, int* status) {
+  setStatus(status, 1);
+  bool changed = false;
+  int done = 1;
+  withMap(map, &done, [&](ss::ColourMap& m) { return ss::editColourMap(m, changed); });
+  setStatus(status, done == 0 && changed ? 0 : 1);
+}
+
+void ZW_CMDRAW(ZW_CM** map, int* status) {
+  drawWithMap(map, status, [](const ss::ColourMap& m, ss::drawing::Canvas& canvas, ss::PlotRecord& plot,
+                              const ss::PlotSet& set) {
+    ss::ColourBar bar;
+    bar.map = m;
+    bar.title = colourAxisTitle(set);
+    plot.colourBar = std::move(bar);
+    ss::PlotPieces pieces(plot, canvas);
+    return pieces.colourBar();
+  });
+}
+
+void ZW_CMHIST(ZW_CM** map, int* status) {
+  drawWithMap(map, status, [](const ss::ColourMap& m, ss::drawing::Canvas& canvas, ss::PlotRecord& plot,
+                              const ss::PlotSet& set) {
+    ss::ClassCounts counts;
+    ss::PlotRecord drawn = ss::makeClassHistogram(m, set.data[3], colourAxisTitle(set), counts);
+    drawn.layout = plot.layout;
+    ss::drawPlotOn(drawn, canvas);
+    return true;
   });
 }
 

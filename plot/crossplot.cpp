@@ -81,6 +81,11 @@ int rangeModeByName(const std::string& name) {
 }
 
 Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out) {
+  return readCrossplotData(path, x, y, nullptr, out);
+}
+
+Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y,
+                         const AxisRequest* colour, CrossplotData& out) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return Status::error(fmt::format("cannot open \"{}\"", path));
   std::string line;
@@ -95,19 +100,32 @@ Status readCrossplotData(const std::string& path, const AxisRequest& x, const Ax
     for (int c = 1; c <= static_cast<int>(row.size()); ++c) header.push_back(headerCell(row.field(c)));
   }
   if (header.empty()) return Status::error(fmt::format("{}: no header row of column names", path));
-  const int cx = findColumn(header, x.column), cy = findColumn(header, y.column);
-  for (const auto& [index, request] : {std::pair{cx, &x}, std::pair{cy, &y}})
-    if (index < 0)
+  // Columns 0 and 1 make the point; column 2, when asked for, colours it.
+  std::vector<const AxisRequest*> requests = {&x, &y};
+  if (colour) requests.push_back(colour);
+  std::vector<int> index;
+  std::vector<Conversion> conversion(requests.size());
+  for (std::size_t a = 0; a < requests.size(); ++a) {
+    index.push_back(findColumn(header, requests[a]->column));
+    if (index[a] < 0)
       return Status::error(fmt::format("{}, line {}: no column \"{}\"; the columns are {}", path, lineNumber,
-                                       request->column, columnList(header)));
-  Conversion convX, convY;
-  if (Status s = conversionFor(path, header[static_cast<std::size_t>(cx)], x.unit, convX); !s) return s;
-  if (Status s = conversionFor(path, header[static_cast<std::size_t>(cy)], y.unit, convY); !s) return s;
+                                       requests[a]->column, columnList(header)));
+    const HeaderCell& cell = header[static_cast<std::size_t>(index[a])];
+    if (Status s = conversionFor(path, cell, requests[a]->unit, conversion[a]); !s) return s;
+  }
   out = CrossplotData();
-  out.xColumn = header[static_cast<std::size_t>(cx)].name;
-  out.yColumn = header[static_cast<std::size_t>(cy)].name;
-  out.xUnit = x.unit.empty() ? header[static_cast<std::size_t>(cx)].unit : x.unit;
-  out.yUnit = y.unit.empty() ? header[static_cast<std::size_t>(cy)].unit : y.unit;
+  const auto columnName = [&](std::size_t a) { return header[static_cast<std::size_t>(index[a])].name; };
+  const auto axisUnit = [&](std::size_t a) {
+    return requests[a]->unit.empty() ? header[static_cast<std::size_t>(index[a])].unit : requests[a]->unit;
+  };
+  out.xColumn = columnName(0);
+  out.yColumn = columnName(1);
+  out.xUnit = axisUnit(0);
+  out.yUnit = axisUnit(1);
+  if (colour) {
+    out.colourColumn = columnName(2);
+    out.colourUnit = axisUnit(2);
+  }
 
   const UnitsRegistry& units = unitsRegistry();
   while (std::getline(in, line)) {
@@ -116,30 +134,39 @@ Status readCrossplotData(const std::string& path, const AxisRequest& x, const Ax
     if (trimmedBlanks(line).empty()) continue;
     ++out.rows;
     const CsvRow row = CsvRow::parse(line);
-    double v[2] = {0, 0};
-    bool empty = false, null = false, nonFinite = false;
-    for (int a = 0; a < 2; ++a) {
-      const int column = (a == 0 ? cx : cy) + 1;
+    double v[3] = {0, 0, 0};
+    bool empty[3] = {}, null[3] = {}, nonFinite[3] = {};
+    for (std::size_t a = 0; a < requests.size(); ++a) {
+      const int column = index[a] + 1;
       const std::string cell = trimBlanks(row.field(column));
       if (cell.empty()) {
-        empty = true;
+        empty[a] = true;
         continue;
       }
       if (!parseReal(cell, v[a]))
         return Status::error(fmt::format("{}, line {}, column {} (\"{}\"): \"{}\" is not a number", path, lineNumber,
                                          column, header[static_cast<std::size_t>(column - 1)].name, cell));
-      if (!std::isfinite(v[a])) nonFinite = true;
-      else if (isNoValue(v[a]) || isNull(static_cast<float>(v[a]))) null = true;
+      if (!std::isfinite(v[a])) nonFinite[a] = true;
+      else if (isNoValue(v[a]) || isNull(static_cast<float>(v[a]))) null[a] = true;
     }
-    if (empty) ++out.emptyCells;
-    else if (null) ++out.nullValues;
-    else if (nonFinite) ++out.nonFinite;
-    if (empty || null || nonFinite) continue;
+    if (empty[0] || empty[1]) ++out.emptyCells;
+    else if (null[0] || null[1]) ++out.nullValues;
+    else if (nonFinite[0] || nonFinite[1]) ++out.nonFinite;
+    if (empty[0] || empty[1] || null[0] || null[1] || nonFinite[0] || nonFinite[1]) continue;
     int err = 0;
-    const double px = convX.needed() ? units.convert(v[0], convX.series, convX.from, convX.to, err) : v[0];
-    const double py = convY.needed() ? units.convert(v[1], convY.series, convY.from, convY.to, err) : v[1];
-    out.x.push_back(static_cast<float>(px));
-    out.y.push_back(static_cast<float>(py));
+    const auto converted = [&](std::size_t a) {
+      const Conversion& c = conversion[a];
+      return static_cast<float>(c.needed() ? units.convert(v[a], c.series, c.from, c.to, err) : v[a]);
+    };
+    out.x.push_back(converted(0));
+    out.y.push_back(converted(1));
+    if (!colour) continue;
+    if (empty[2] || null[2] || nonFinite[2]) {
+      out.colour.push_back(kRealNull);
+      ++out.colourNulls;
+    } else {
+      out.colour.push_back(converted(2));
+    }
   }
   return Status::ok();
 }

@@ -34,12 +34,21 @@ struct CrossplotData {
   long emptyCells = 0;           // pairs left out for an empty cell
   long nullValues = 0;           // ... for a null value (magnitude 9.0e19 or more)
   long nonFinite = 0;            // ... for NaN or infinity
+  // A third column the points are coloured by (when one was asked for): one
+  // value per usable pair, null where its cell is empty, null or not finite.
+  std::vector<float> colour;
+  std::string colourUnit, colourColumn;
+  long colourNulls = 0;
 };
 
 // Reads the two columns of a CSV file. Faults name the file, the line and the
 // column: a missing column, a cell that is not a number, a unit that is not
 // known or cannot be converted into the axis unit.
 Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out);
+// The same with a third column whose value colours each point; a point whose
+// colour cell holds no value is kept (and counted in colourNulls).
+Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y,
+                         const AxisRequest* colour, CrossplotData& out);
 
 // A plot of the data: one set named after the file, axis labels from the
 // column names, scale units, markers sized for the number of points, and

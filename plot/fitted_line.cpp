@@ -15,6 +15,7 @@ namespace {
 constexpr int kLogScale = 2;
 constexpr int kLineSamples = 200;
 constexpr int kFittedLineColour = 2;
+constexpr int kBlack = 1;
 
 // Value <-> plotted coordinate of one axis.
 double toPlotted(double v, bool log) { return log ? (v > 0 ? std::log10(v) : NAN) : v; }
@@ -48,7 +49,10 @@ Status addFittedLine(PlotRecord& plot, RegressionMethod method, RegressionForm f
   }
   if (Status s = fitRegression(u, v, method, form, through, out.fit); !s) return s;
 
-  out.description = power ? describePowerLine(out.fit.coefficients[0], out.fit.coefficients[1], logs)
+  // A power line is y = a*x^b in the values themselves whatever the axes show,
+  // so its equation names y and x: "log(y) = a*x^(b)" on a log y axis would
+  // claim that log(y) grows as a power of x, which is not the curve drawn.
+  out.description = power ? describePowerLine(out.fit.coefficients[0], out.fit.coefficients[1], AxisLogs{})
                           : describePolynomial(out.fit.coefficients, logs);
   out.report = regressionReportLine(out.fit);
 
@@ -58,13 +62,16 @@ Status addFittedLine(PlotRecord& plot, RegressionMethod method, RegressionForm f
   std::vector<float> lx, ly;
   for (int k = 0; k <= kLineSamples && std::isfinite(lo) && std::isfinite(hi); ++k) {
     const double x = fromPlotted(lo + (hi - lo) * k / kLineSamples, xLog);
+    if (power && x <= 0) continue;  // fitted on positive x only; x^b may exist below 0, the fit does not
     const double y = power ? out.fit.valueAt(x) : fromPlotted(out.fit.valueAt(toPlotted(x, fitLogs.x)), fitLogs.y);
     if (!std::isfinite(y) || (logs.y && y <= 0)) continue;
     lx.push_back(static_cast<float>(x));
     ly.push_back(static_cast<float>(y));
   }
+  // Points coloured by class may use any palette colour: the line is black then.
+  const int colour = plot.colourBar ? kBlack : kFittedLineColour;
   LineElement line;
-  line.COLOUR = kFittedLineColour;
+  line.COLOUR = colour;
   line.WIDTH = 0.5f;
   setFixed(line.NAME, std::string(regressionMethodName(method)) + " fit");
   line.setPoints(std::move(lx), std::move(ly));
@@ -76,7 +83,7 @@ Status addFittedLine(PlotRecord& plot, RegressionMethod method, RegressionForm f
   const double ty = toPlotted(ys.MIN, logs.y) + 0.95 * (toPlotted(ys.MAX, logs.y) - toPlotted(ys.MIN, logs.y));
   text.X = static_cast<float>(fromPlotted(tx, xLog));
   text.Y = static_cast<float>(fromPlotted(ty, logs.y));
-  text.COLOUR = kFittedLineColour;
+  text.COLOUR = colour;
   setFixed(text.TEXT, out.description);
   set.texts.add(text);
   return Status::ok();

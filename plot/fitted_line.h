@@ -3,7 +3,8 @@
 //
 // Points are fitted as plotted: on a "Log" axis (scale type 2) in base-10
 // logarithms; on the other scale types in the data values. The power form
-// always fits the data values (it takes logarithms itself).
+// always fits the data values (it takes logarithms itself), is drawn for
+// positive x only, and its equation reads "y = a*x^(b)" on any axes.
 #pragma once
 
 #include <optional>

@@ -54,7 +54,7 @@ PlotRecord makeHistogramPlot(const Histogram& h, const std::string& column, cons
   set.scales[0].MIN = static_cast<float>(h.edges.front());
   set.scales[0].MAX = static_cast<float>(h.edges.back());
   set.scales[1].MIN = 0.0f;
-  set.scales[1].MAX = static_cast<float>(std::max(1, most)) * 1.08f;
+  set.scales[1].MAX = static_cast<float>(std::max(1, most)) * 1.2f;  // room for the count above the bars
   for (std::size_t k = 0; k < h.counts.size(); ++k) {
     if (h.counts[k] == 0) continue;
     LineElement bar;

@@ -22,6 +22,7 @@
 #include "host/paths.h"
 #include "plot/axis_scales.h"
 #include "plot/axis_ticks.h"
+#include "plot/colour_bar_drawing.h"
 
 namespace subsurf {
 namespace {
@@ -339,6 +340,7 @@ class PlotPainter {
     cairo_reset_clip(cr_);
     axes();
     legend();
+    colourBar();
   }
 
   // Finds the data area as paint() does, drawing nothing.
@@ -434,6 +436,13 @@ class PlotPainter {
     }
   }
 
+  // The colour bar beside the data area; false when the plot has none.
+  bool colourBar() {
+    if (!plot_.colourBar) return false;
+    drawColourBar(c_, *plot_.colourBar, {barLeft_, area_.top, area_.bottom, numberHeight()});
+    return true;
+  }
+
  private:
   void layOut(bool drawing, const PlotSet* carrier = nullptr) {
     drawing_ = drawing;
@@ -445,8 +454,11 @@ class PlotPainter {
     if (axesSet_) axisScales_ = {drawableScale(axesSet_->scales[0]), drawableScale(axesSet_->scales[1])};
     annotationStrips(box);
     title(box);
+    if (plot_.colourBar) box.right -= colourBarWidth(c_, *plot_.colourBar, numberHeight());
     layoutAxes(box);
+    barLeft_ = box.right;
   }
+
 
   const PlotSet* firstShownSet() const {
     for (const PlotSet& s : plot_.sets)
@@ -976,6 +988,7 @@ class PlotPainter {
   const PlotSet* axesSet_ = nullptr;
   std::array<ZW_SCALE, 2> axisScales_{};
   Rect area_{};
+  double barLeft_ = 0;  // where the colour bar's column starts
   std::vector<Tick> xTicks_, yTicks_;
 };
 
@@ -1017,6 +1030,10 @@ Status drawPlot(const PlotRecord& plot, const DrawOptions& options) {
   return canvas->finish();
 }
 
+void drawPlotOn(const PlotRecord& plot, Canvas& canvas, const DrawOptions& options) {
+  PlotPainter(plot, canvas, options).paint();
+}
+
 PlotPieces::PlotPieces(const PlotRecord& plot, Canvas& canvas, const DrawOptions& options)
     : options_(options), painter_(std::make_unique<PlotPainter>(plot, canvas, options_)) {
   painter_->layOut();
@@ -1028,6 +1045,7 @@ void PlotPieces::symbol(const PlotSet& set, const ZW_SYMB& s) { painter_->symbol
 void PlotPieces::text(const PlotSet& set, const ZW_TEXT& t) { painter_->text(set, t); }
 void PlotPieces::line(const PlotSet& set, const LineElement& l) { painter_->line(set, l); }
 void PlotPieces::legend() { painter_->legend(); }
+bool PlotPieces::colourBar() { return painter_->colourBar(); }
 void PlotPieces::axis(const PlotSet& set, int which) { painter_->axisOf(set, which); }
 
 bool PlotPieces::legendBox(double& left, double& top, double& width, double& height) {

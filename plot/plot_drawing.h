@@ -30,6 +30,8 @@ struct DrawOptions {
 };
 
 Status drawPlot(const PlotRecord& plot, const DrawOptions& options);
+// The whole plot onto a canvas (a plot's window), over what it holds.
+void drawPlotOn(const PlotRecord& plot, drawing::Canvas& canvas, const DrawOptions& options = {});
 
 class PlotPainter;
 
@@ -48,6 +50,8 @@ class PlotPieces {
   void text(const PlotSet& set, const ZW_TEXT& t);
   void line(const PlotSet& set, const LineElement& l);
   void legend();
+  // The plot's colour bar; false (nothing drawn) when it has none.
+  bool colourBar();
   // One axis of set (0 x, 1 y) with its ticks, numbers and label, the page
   // laid out as if set carried the plot's axes.
   void axis(const PlotSet& set, int which);

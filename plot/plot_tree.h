@@ -9,9 +9,11 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "plot/colour_bar.h"
 #include "plot/plot_records.h"
 
 namespace subsurf {
@@ -53,6 +55,8 @@ struct PlotRecord {
   Annotation annotation = defaultAnnotation();
   Layout layout;
   Legend legend;
+  // Drawn beside the data area when the points are coloured by class.
+  std::optional<ColourBar> colourBar;
 
   PlotSet* currentPlotSet() {
     return currentSet >= 1 && currentSet <= static_cast<int>(sets.size())

@@ -6,10 +6,10 @@
 
 #include <memory>
 
-#include "host/messages.h"
 #include "plot/plot_drawing.h"
 #include "plot/plot_tree.h"
 #include "plot/plot_windows.h"
+#include "plot/window_drawing.h"
 
 namespace ss = subsurf;
 
@@ -19,34 +19,14 @@ void set(int* out, int v) {
   if (out) *out = v;
 }
 
-// Runs draw(pieces, plot, set) on the current plot's window: status 0 when
-// draw says it drew, 1 when there is no current plot, set (when needed),
-// window or element to draw.
+// Runs draw(pieces, set) with the pieces of the current plot on its window.
 template <typename Draw>
 void drawInWindow(int* status, bool needsSet, Draw&& draw) {
-  set(status, 1);
-  try {
-    ss::PlotRecord* plot = ss::plotTree().current();
-    if (!plot) return;
-    const ss::PlotSet* plotSet = ss::plotTree().currentSet();
-    if (needsSet && !plotSet) return;
-    const ss::PlotWindow* window = ss::plotWindows().forPlot(*plot);
-    if (!window) return;
-    ss::Status opened;
-    std::unique_ptr<ss::drawing::Canvas> canvas = ss::drawing::Canvas::onImage(window->image, window->dpi, opened);
-    if (!canvas) return;
-    ss::PlotPieces pieces(*plot, *canvas);
-    const bool drew = draw(pieces, plotSet);
-    canvas.reset();
-    cairo_surface_flush(window->image);
-    set(status, drew ? 0 : 1);
-  } catch (...) {
-    try {
-      ss::host::showMessage("Out of memory in the plot tree");
-    } catch (...) {
-    }
-    set(status, 1);
-  }
+  ss::drawInCurrentWindow(status, needsSet, [&](ss::drawing::Canvas& canvas, ss::PlotRecord& plot,
+                                                const ss::PlotSet* plotSet) {
+    ss::PlotPieces pieces(plot, canvas);
+    return draw(pieces, plotSet);
+  });
 }
 
 // The current element of one family (DRAW) or all of them (SDRAW).

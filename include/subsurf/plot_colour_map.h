@@ -43,6 +43,24 @@ void ZW_CMSETATTS(ZW_CM** map, const char* name, const char* value, int* status)
 void ZW_CMWRITE(ZW_CM** map, const char* file, int* status);
 void ZW_CMREAD(ZW_CM** map, const char* file, int* status);
 
+/* The editor's trigger after attribute NAME (16 characters) changed: "cm_nr"
+ * gives the classes the default colours and divides the range again; "cm_min",
+ * "cm_max" and "cm_ifsc" divide the range again; other known names need
+ * nothing; an unknown name gives status 1. */
+void ZW_CMTRIGS(ZW_CM** map, const char* name, int* status);
+/* Edits the map through the host's yes/no questions (see docs/colour-maps.md).
+ * Status 0 when the map was changed, 1 when the user declined or it failed. */
+void ZW_CMEDIT(ZW_CM** map, int* status);
+/* Gives the current plot the colour bar of MAP (titled by the current set's
+ * colour-axis label and unit) and draws the bar beside the data area in the
+ * plot's window. The bar takes its room from the data area: draw the whole
+ * plot again to lay the points out beside it. Status 1 without a current plot,
+ * set or window, or with a map that fails ZW_CMCHECK. */
+void ZW_CMDRAW(ZW_CM** map, int* status);
+/* Draws a histogram of the current set's colour-axis values by the classes of
+ * MAP, each bar in its class colour, into the current plot's window. */
+void ZW_CMHIST(ZW_CM** map, int* status);
+
 #ifdef __cplusplus
 }
 #endif

@@ -21,6 +21,21 @@ void ZW_BINHEADS(char* text);
 void ZW_BINSTATS(const int* n, const float* by, const float* values, const int* nbins, const float* edges,
                  float* table, int* leftout, int* status);
 
+/* Draws the current plot set's x values as a histogram into the current
+ * plot's window (replacing what it showed): *NCLASS equal classes from the
+ * smallest to the largest value (0 or less: Sturges' rule), "No. of points:"
+ * and the class count written top right. Out: *NCLASS the classes drawn,
+ * *NPOINTS the values counted (NPOINTS may be null). Status 1 without a
+ * current plot, set or window, or with "No valid data points!". */
+void ZW_DRAWHIST(int* nclass, int* npoints, int* status);
+
+/* Draws the current set's y values binned along its x values into the current
+ * plot's window: per filled bin a P10-P90 box, P5-P95 whiskers, the P50 line
+ * and a diamond at the mean. The bins are the *NBINS + 1 ascending EDGES, or
+ * with EDGES null *NBINS (0 or less: 10) equal bins between the extremes of
+ * x. Status 1 without a current plot, set or window, or with bad edges. */
+void ZW_DRAWBIN(const int* nbins, const float* edges, int* status);
+
 #ifdef __cplusplus
 }
 #endif

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -55,12 +56,84 @@ TEST(FittedLine, FittedInLogsOnALogAxisAndDrawnInsideTheWindow) {
   EXPECT_EQ(ss::fixedText(set.texts.at(1).TEXT), "log(y) = 2*x+1");
 }
 
-TEST(FittedLine, PowerFormOnLogAxesAndBadFixedPoints) {
+namespace {
+
+// y = 3 x^2 at x = 0.5 .. 10 on the axis types given; the x window may reach below 0,
+// where x^2 exists but the fit (in logs, of positive x only) says nothing.
+ss::PlotRecord powerPlot(int xType, int yType, float xMin) {
+  ss::CrossplotData data;
+  for (int k = 1; k <= 20; ++k) {
+    data.x.push_back(0.5f * k);
+    data.y.push_back(static_cast<float>(3.0 * 0.25 * k * k));
+  }
+  ss::AxisRequest x, y;
+  x.column = "x";
+  y.column = "y";
+  x.type = xType;
+  y.type = yType;
+  if (xMin < 0) {
+    x.mode = 1;
+    x.min = xMin;
+    x.max = 12;
+  }
+  return ss::makeCrossplot(data, x, y, "", "set");
+}
+
+// The numbers of "y = A*x^(B)" or "y = A*x^(-B)".
+bool powerEquation(const std::string& text, double& a, double& b) {
+  char sign = 0;
+  if (std::sscanf(text.c_str(), "y = %lf*x^(%lf)", &a, &b) == 2) return true;
+  return std::sscanf(text.c_str(), "y = %lf*x^(%c%lf)", &a, &sign, &b) == 3 && sign == '-' && (b = -b, true);
+}
+
+}  // namespace
+
+TEST(FittedLine, PowerLineOnALogYAxisFollowsTheDataItsEquationNamesAndIsDrawn) {
+  for (const int yType : {1, 2}) {
+    for (const int xType : {1, 2}) {
+      for (const float xMin : {0.0f, -5.0f}) {
+        if (xType == 2 && xMin < 0) continue;
+        SCOPED_TRACE(::testing::Message() << "x type " << xType << ", y type " << yType << ", x min " << xMin);
+        ss::PlotRecord plot = powerPlot(xType, yType, xMin);
+        ss::FittedLine line;
+        ASSERT_TRUE(
+            ss::addFittedLine(plot, ss::RegressionMethod::YOnX, ss::RegressionForm::Power, std::nullopt, line).isOk());
+        // The equation shown is the curve fitted, whatever the axes: evaluated at
+        // each data point it gives the data.
+        EXPECT_EQ(line.description, "y = 3*x^(2)");
+        double a = 0, b = 0;
+        ASSERT_TRUE(powerEquation(line.description, a, b)) << line.description;
+        const ss::PlotSet& set = plot.sets[0];
+        for (std::size_t i = 0; i < set.data[0].size(); ++i)
+          EXPECT_NEAR(a * std::pow(set.data[0][i], b), set.data[1][i], 1e-5 * set.data[1][i]) << i;
+        // Every drawn point lies on that curve, at positive x, inside the window.
+        const ss::LineElement& drawn = set.lines.at(1);
+        ASSERT_GT(drawn.NPTS, 50);
+        for (int k = 0; k < drawn.NPTS; ++k) {
+          ASSERT_GT(drawn.x[k], 0.0f) << k;
+          EXPECT_NEAR(drawn.y[k], 3.0 * drawn.x[k] * drawn.x[k], 1e-5 * drawn.y[k]) << k;
+        }
+        EXPECT_FLOAT_EQ(drawn.x.back(), set.scales[0].MAX);
+        EXPECT_NEAR(line.fit.r2, 1.0, 1e-9);
+      }
+    }
+  }
+}
+
+TEST(FittedLine, PowerFormNegativeExponentAndBadFixedPoints) {
   ss::PlotRecord plot = exponentialPlot(2, 2);
   ss::FittedLine line;
   ASSERT_TRUE(ss::addFittedLine(plot, ss::RegressionMethod::Rma, ss::RegressionForm::Power, std::nullopt, line).isOk());
-  EXPECT_EQ(line.description.rfind("log(y) = ", 0), 0u);
-  EXPECT_NE(line.description.find("*log(x)^("), std::string::npos);
+  EXPECT_EQ(line.description.rfind("y = ", 0), 0u) << line.description;
+  EXPECT_NE(line.description.find("*x^("), std::string::npos);
+  ss::PlotRecord falling = powerPlot(2, 2, 0);
+  for (float& y : falling.sets[0].data[1]) y = 1.0f / y;
+  ASSERT_TRUE(
+      ss::addFittedLine(falling, ss::RegressionMethod::YOnX, ss::RegressionForm::Power, std::nullopt, line).isOk());
+  EXPECT_EQ(line.description, "y = 0.333333*x^(-2)");
+  double a = 0, b = 0;
+  ASSERT_TRUE(powerEquation(line.description, a, b));
+  EXPECT_NEAR(b, -2.0, 1e-6);
   ss::PlotRecord again = exponentialPlot(1, 2);
   const ss::Status s = ss::addFittedLine(again, ss::RegressionMethod::Forced, ss::RegressionForm::Line,
                                          ss::FixedPoint{0, -5}, line);
