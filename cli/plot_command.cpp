@@ -45,6 +45,7 @@ struct PlotOptions {
   std::string fit, form = "line", fixed;  // xy: a regression line
   std::string dip, azimuth, net = "equal-area";  // stereonet
   bool poles = false, planes = false, rose = false;
+  std::string colourClass, symbolClass;  // stereonet: class columns
   std::string column;  // histogram
   int bins = 0;
   double roseWidth = 10, roseStart = 0;
@@ -233,14 +234,20 @@ int runStereonet(const PlotOptions& o) {
   AxisRequest dip, azimuth;
   dip.column = o.dip;
   azimuth.column = o.azimuth;
+  std::vector<std::string> classColumns;
+  for (const std::string* c : {&o.colourClass, &o.symbolClass})
+    if (!c->empty()) classColumns.push_back(*c);
   CrossplotData data;
-  if (Status s = readCrossplotData(o.data, dip, azimuth, data); !s) {
+  if (Status s = readCrossplotData(o.data, dip, azimuth, data, classColumns); !s) {
     fail(s.message());
     return kExitBadInput;
   }
+  StereonetData observations{data.x, data.y, {}, {}};
+  if (!o.colourClass.empty()) observations.colourClasses = data.texts.front();
+  if (!o.symbolClass.empty()) observations.symbolClasses = data.texts.back();
   PlotRecord plot;
   StereonetSummary summary;
-  if (Status s = makeStereonetPlot(data.x, data.y, request, plot, summary); !s) {
+  if (Status s = makeStereonetPlot(observations, request, plot, summary); !s) {
     fail(fmt::format("{}: {}", o.data, s.message()));
     return kExitBadInput;
   }
@@ -362,6 +369,8 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   stereo->add_flag("--rose", o->rose, "Draw a rose diagram of the azimuths instead");
   stereo->add_option("--rose-width", o->roseWidth, "Rose class width in degrees, dividing 360 (default 10)");
   stereo->add_option("--rose-start", o->roseStart, "Azimuth where the first rose class starts (default 0)");
+  stereo->add_option("--class", o->colourClass, "Column of classes shown by colour, keyed under \"Colours:\"");
+  stereo->add_option("--symbol-class", o->symbolClass, "Column of classes shown by marker, keyed under \"Symbols:\"");
   stereo->add_option("--title", o->title, "Title above the net");
   addOutputOptions(stereo, *o);
   stereo->callback([o, stereo, &exitCode] {

@@ -80,7 +80,8 @@ int rangeModeByName(const std::string& name) {
   return 0;
 }
 
-Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out) {
+Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out,
+                         const std::vector<std::string>& textColumns) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return Status::error(fmt::format("cannot open \"{}\"", path));
   std::string line;
@@ -100,6 +101,13 @@ Status readCrossplotData(const std::string& path, const AxisRequest& x, const Ax
     if (index < 0)
       return Status::error(fmt::format("{}, line {}: no column \"{}\"; the columns are {}", path, lineNumber,
                                        request->column, columnList(header)));
+  std::vector<int> textIndex;
+  for (const std::string& name : textColumns) {
+    textIndex.push_back(findColumn(header, name));
+    if (textIndex.back() < 0)
+      return Status::error(fmt::format("{}, line {}: no column \"{}\"; the columns are {}", path, lineNumber, name,
+                                       columnList(header)));
+  }
   Conversion convX, convY;
   if (Status s = conversionFor(path, header[static_cast<std::size_t>(cx)], x.unit, convX); !s) return s;
   if (Status s = conversionFor(path, header[static_cast<std::size_t>(cy)], y.unit, convY); !s) return s;
@@ -108,6 +116,7 @@ Status readCrossplotData(const std::string& path, const AxisRequest& x, const Ax
   out.yColumn = header[static_cast<std::size_t>(cy)].name;
   out.xUnit = x.unit.empty() ? header[static_cast<std::size_t>(cx)].unit : x.unit;
   out.yUnit = y.unit.empty() ? header[static_cast<std::size_t>(cy)].unit : y.unit;
+  out.texts.resize(textIndex.size());
 
   const UnitsRegistry& units = unitsRegistry();
   while (std::getline(in, line)) {
@@ -140,6 +149,7 @@ Status readCrossplotData(const std::string& path, const AxisRequest& x, const Ax
     const double py = convY.needed() ? units.convert(v[1], convY.series, convY.from, convY.to, err) : v[1];
     out.x.push_back(static_cast<float>(px));
     out.y.push_back(static_cast<float>(py));
+    for (std::size_t k = 0; k < textIndex.size(); ++k) out.texts[k].push_back(trimBlanks(row.field(textIndex[k] + 1)));
   }
   return Status::ok();
 }

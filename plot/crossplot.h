@@ -34,12 +34,16 @@ struct CrossplotData {
   long emptyCells = 0;           // pairs left out for an empty cell
   long nullValues = 0;           // ... for a null value (magnitude 9.0e19 or more)
   long nonFinite = 0;            // ... for NaN or infinity
+  // The cells of each text column asked for, one per usable pair.
+  std::vector<std::vector<std::string>> texts;
 };
 
 // Reads the two columns of a CSV file. Faults name the file, the line and the
 // column: a missing column, a cell that is not a number, a unit that is not
 // known or cannot be converted into the axis unit.
-Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out);
+// Text columns (textColumns, by header name) are read beside them into out.texts.
+Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out,
+                         const std::vector<std::string>& textColumns = {});
 
 // A plot of the data: one set named after the file, axis labels from the
 // column names, scale units, markers sized for the number of points, and

@@ -3,11 +3,19 @@
 // with the counts and the Fisher mean written beside the net.
 //
 // The net lies in a square window of -100..100 units with the rim at 90 and
-// hidden axes; draw it on a square page.
+// hidden axes; draw it on a square page. Labels, top left: "Poles: NAME" or
+// "Scatter: NAME" (the set's name), "Observations: N", and the net's name
+// followed by the dip read along a diameter, " 90-0-90" for poles (a pole on
+// the rim is that of a vertical plane) or " 0-90-0" for lines; a rose has
+// "Frequency: 0 to MAX" and "Observations: N". Top right: the mean and, with
+// contours, their levels. Data in classes are drawn one plot set per class
+// (or pair of classes) and keyed in the lower corners: "Colours:" left,
+// "Symbols:" right, as many classes as fit, then "... N more".
 #pragma once
 
 #include <span>
 #include <string>
+#include <vector>
 
 #include "host/status.h"
 #include "plot/plot_tree.h"
@@ -24,6 +32,13 @@ struct StereonetRequest {
   std::string title, setName;
 };
 
+// The observations: dips and azimuths, and optionally a class per
+// observation shown by colour and another shown by marker shape (empty: none).
+struct StereonetData {
+  std::span<const float> dips, azimuths;
+  std::span<const std::string> colourClasses, symbolClasses;
+};
+
 struct StereonetSummary {
   int observations = 0;  // usable dip and azimuth pairs
   int leftOut = 0;       // pairs with a null, non-finite or out-of-range value
@@ -32,7 +47,19 @@ struct StereonetSummary {
 };
 
 // Dips must lie in 0..90; azimuths are taken modulo 360.
-Status makeStereonetPlot(std::span<const float> dips, std::span<const float> azimuths, const StereonetRequest& request,
-                         PlotRecord& plot, StereonetSummary& summary);
+Status makeStereonetPlot(const StereonetData& data, const StereonetRequest& request, PlotRecord& plot,
+                         StereonetSummary& summary);
+inline Status makeStereonetPlot(std::span<const float> dips, std::span<const float> azimuths,
+                                const StereonetRequest& request, PlotRecord& plot, StereonetSummary& summary) {
+  return makeStereonetPlot(StereonetData{dips, azimuths, {}, {}}, request, plot, summary);
+}
+
+// The classes of a key in order of first appearance, and each observation's
+// place among them.
+struct ClassKey {
+  std::vector<std::string> names;
+  std::vector<int> of;  // per observation, index into names
+};
+ClassKey classKey(std::span<const std::string> classes);
 
 }  // namespace subsurf

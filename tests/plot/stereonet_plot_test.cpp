@@ -42,10 +42,8 @@ TEST(StereonetPlot, PolesPlacedByTheProjectionWithCountsAndMean) {
   EXPECT_NEAR(set.data[0][0], -90 * std::sqrt(1 - std::sin(60 * M_PI / 180)), 1e-3);
   EXPECT_NEAR(set.data[1][0], 0, 1e-4);
   const auto t = texts(set);
-  EXPECT_EQ(t[0], "N");
-  EXPECT_EQ(t[1], "Poles: 2");
-  EXPECT_EQ(t[2], "Equal area");
-  EXPECT_EQ(t[3], "Mean 60/270");
+  EXPECT_EQ(t, (std::vector<std::string>{"N", "Poles: dip and azimuth", "Observations: 2", "Equal area 90-0-90",
+                                         "Mean 60/270"}));
   EXPECT_EQ(set.scales[0].MIN, -100.0f);
   EXPECT_EQ(set.ax[0], 0);
 }
@@ -56,11 +54,13 @@ TEST(StereonetPlot, ScatterPlanesAndRose) {
   r.poles = false;
   r.planes = true;
   r.projection = ss::kEqualAngle;
+  r.setName = "faults";
   ss::PlotRecord plot;
   ss::StereonetSummary summary;
   ASSERT_TRUE(ss::makeStereonetPlot(dips, az, r, plot, summary).isOk());
-  EXPECT_EQ(texts(plot.sets[0])[1], "Scatter: 3");
-  EXPECT_EQ(texts(plot.sets[0])[2], "Equal angle");
+  EXPECT_EQ(texts(plot.sets[0])[1], "Scatter: faults");
+  EXPECT_EQ(texts(plot.sets[0])[2], "Observations: 3");
+  EXPECT_EQ(texts(plot.sets[0])[3], "Equal angle 0-90-0");
   EXPECT_EQ(plot.sets[0].lines.count(), 3 + 3);  // rim, centre cross, then one circle per plane
   r.rose = true;
   r.roseWidth = 30;
@@ -70,6 +70,48 @@ TEST(StereonetPlot, ScatterPlanesAndRose) {
   EXPECT_EQ(plot.sets[0].lines.count(), 3 + 2);  // two petals
   EXPECT_EQ(texts(plot.sets[0])[1], "Frequency: 0 to 2");
   EXPECT_EQ(texts(plot.sets[0])[2], "Observations: 3");
+}
+
+TEST(StereonetPlot, ClassesKeyedByColourAndSymbol) {
+  const std::vector<float> dips = {10, 20, 30, 40, 50, ss::kRealNull}, az = {0, 90, 180, 270, 45, 0};
+  const std::vector<std::string> sets = {"J1", "J2", "J1", "", "J2", "J3"}, kinds = {"open", "open", "shut", "open",
+                                                                                      "open", "open"};
+  ss::StereonetRequest r;
+  r.poles = true;
+  ss::PlotRecord plot;
+  ss::StereonetSummary summary;
+  ASSERT_TRUE(ss::makeStereonetPlot(ss::StereonetData{dips, az, sets, kinds}, r, plot, summary).isOk());
+  // The net's set, then one set per pair in order of first appearance; the
+  // left-out sixth row's class "J3" never appears.
+  ASSERT_EQ(plot.sets.size(), 5u);
+  EXPECT_EQ(plot.sets[0].pointCount(), 0);
+  EXPECT_EQ(plot.sets[1].name, "J1 / open");
+  EXPECT_EQ(plot.sets[1].pointCount(), 1);
+  EXPECT_EQ(plot.sets[2].name, "J2 / open");
+  EXPECT_EQ(plot.sets[2].pointCount(), 2);
+  EXPECT_EQ(plot.sets[3].name, "J1 / shut");
+  EXPECT_EQ(plot.sets[4].name, "(blank) / open");
+  EXPECT_EQ(plot.sets[1].syrgb, plot.sets[3].syrgb);  // one colour per colour class
+  EXPECT_NE(plot.sets[1].syrgb, plot.sets[2].syrgb);
+  EXPECT_EQ(plot.sets[1].sym, plot.sets[2].sym);  // one marker per symbol class
+  EXPECT_NE(plot.sets[1].sym, plot.sets[3].sym);
+  for (const auto& set : plot.sets) EXPECT_EQ(set.scales[1].MAX, 100.0f);
+  const auto t = texts(plot.sets[0]);
+  const std::vector<std::string> key(t.begin() + 4, t.end() - 2);
+  EXPECT_EQ(key, (std::vector<std::string>{"Colours:", "J1", "J2", "(blank)", "Symbols:", "open", "shut"}));
+  EXPECT_EQ(plot.sets[0].symbols.count(), 5);  // a marker beside each class name
+  EXPECT_EQ(t.back(), "k=5.07, a95=38");  // k = 4/(5 - R), R = 4.2118
+
+  // More classes than rows: four shown, the rest counted.
+  std::vector<float> many(7, 30.0f), manyAz(7, 0.0f);
+  std::vector<std::string> names = {"a", "b", "c", "d", "e", "f", "g"};
+  ASSERT_TRUE(ss::makeStereonetPlot(ss::StereonetData{many, manyAz, names, {}}, r, plot, summary).isOk());
+  const auto t2 = texts(plot.sets[0]);
+  EXPECT_EQ(std::vector<std::string>(t2.begin() + 4, t2.end() - 1),
+            (std::vector<std::string>{"Colours:", "a", "b", "c", "d", "... 3 more"}));
+  EXPECT_EQ(ss::makeStereonetPlot(ss::StereonetData{many, manyAz, {}, std::span(names).first(2)}, r, plot, summary)
+                .message(),
+            "7 dips but 2 symbol classes");
 }
 
 TEST(StereonetPlot, RefusedInput) {
@@ -103,4 +145,10 @@ TEST(StereonetCommand, DrawsAndReportsTheMean) {
       program + " plot stereonet " + csv + " --dip dip --azimuth azimuth --net wulff --json"));
   EXPECT_EQ(r.status, 2);
   EXPECT_NE(r.err.find("--net \"wulff\" is not equal-area or equal-angle"), std::string::npos) << r.err;
+  r = ss::testing::withoutSuppressionReport(ss::testing::runCommand(
+      program + " plot stereonet " + csv + " --dip dip --azimuth azimuth --class set --json"));
+  EXPECT_EQ(r.status, 2);
+  EXPECT_NE(r.err.find(csv + ", line 1: no column \"set\"; the columns are \"dip\", \"azimuth\""),
+            std::string::npos)
+      << r.err;
 }
