@@ -95,6 +95,14 @@ void addKey(PlotSet& set, float left, const std::string& heading, const std::vec
     addText(set, left, kTop - kStep * static_cast<float>(kRows), fmt::format("... {} more", names.size() - shown));
 }
 
+// A dip in 0..90 and a finite azimuth, taken into 0..360.
+bool usableOrientation(float d, float a, double& dip, double& azimuth) {
+  if (isNull(d) || isNull(a) || !std::isfinite(d) || !std::isfinite(a) || d < 0.0f || d > 90.0f) return false;
+  dip = d;
+  azimuth = std::fmod(std::fmod(static_cast<double>(a), 360.0) + 360.0, 360.0);
+  return true;
+}
+
 void addRim(PlotSet& set) {
   std::vector<float> x, y;
   for (int k = 0; k < 360; ++k) {
@@ -126,6 +134,50 @@ void addRose(PlotSet& set, const std::vector<int>& counts, const StereonetReques
 
 }  // namespace
 
+PlotSet netDataSet(const std::string& name, int colour, int shape) {
+  PlotSet set;
+  set.name = fieldText(name, kSetNameWidth);
+  netWindow(set);
+  if (colour > 0) set.syrgb = rgbOfPalette(colour);
+  set.sym = shape;
+  return set;
+}
+
+void addStereonetKey(PlotSet& net, const std::vector<std::string>& colours, const std::vector<std::string>& symbols) {
+  if (!colours.empty()) addKey(net, -kWindow, "Colours:", colours, true);
+  if (!symbols.empty()) addKey(net, 66.0f, "Symbols:", symbols, false);
+}
+
+Status addStereonetSet(PlotRecord& plot, std::span<const float> dips, std::span<const float> azimuths, int projection,
+                       bool poles, const std::string& name, int colour, int shape, int& plotted) {
+  plotted = 0;
+  if (dips.size() != azimuths.size())
+    return Status::error(fmt::format("{} dips but {} azimuths", dips.size(), azimuths.size()));
+  if (projection != kEqualArea && projection != kEqualAngle)
+    return Status::error(fmt::format("Projection {} is not equal-angle (2) or equal-area (3)", projection));
+  PlotSet set = netDataSet(name, colour, shape);
+  for (std::size_t i = 0; i < dips.size(); ++i) {
+    double d = 0, a = 0;
+    if (!usableOrientation(dips[i], azimuths[i], d, a)) continue;
+    const NetPoint p = projectLine(poles ? poleOfPlane(d, a) : Orientation{d, a}, projection);
+    set.data[0].push_back(static_cast<float>(p.x));
+    set.data[1].push_back(static_cast<float>(p.y));
+  }
+  plotted = set.pointCount();
+  if (plotted == 0) return Status::error("No valid data points!");
+  set.defs.iop[0] = plotted <= 2000 ? 15 : 6;
+  set.defs.iop[1] = plotted <= 2000 ? 0 : 40;
+  plot.sets.push_back(std::move(set));
+  return Status::ok();
+}
+
+void placeStereonet(PlotRecord& target, PlotRecord&& net) {
+  target.sets = std::move(net.sets);
+  target.currentSet = 1;
+  target.fields.grlc1 = net.fields.grlc1;
+  if (trimmedBlanks(target.fields.title).empty()) target.fields.title = net.fields.title;
+}
+
 ClassKey classKey(std::span<const std::string> classes) {
   ClassKey key;
   std::map<std::string, int> place;
@@ -152,13 +204,13 @@ Status makeStereonetPlot(const StereonetData& data, const StereonetRequest& requ
   std::vector<double> dip, azimuth;
   std::vector<std::string> colourOf, symbolOf;
   for (std::size_t i = 0; i < n; ++i) {
-    const float d = data.dips[i], a = data.azimuths[i];
-    if (isNull(d) || isNull(a) || !std::isfinite(d) || !std::isfinite(a) || d < 0.0f || d > 90.0f) {
+    double d = 0, a = 0;
+    if (!usableOrientation(data.dips[i], data.azimuths[i], d, a)) {
       ++summary.leftOut;
       continue;
     }
     dip.push_back(d);
-    azimuth.push_back(std::fmod(std::fmod(static_cast<double>(a), 360.0) + 360.0, 360.0));
+    azimuth.push_back(a);
     if (!data.colourClasses.empty()) colourOf.push_back(data.colourClasses[i]);
     if (!data.symbolClasses.empty()) symbolOf.push_back(data.symbolClasses[i]);
   }
@@ -197,14 +249,10 @@ Status makeStereonetPlot(const StereonetData& data, const StereonetRequest& requ
     const int group = c * static_cast<int>(std::max<std::size_t>(1, symbols.names.size())) + m;
     auto [it, added] = setOfGroup.emplace(group, plot.sets.size());
     if (added) {
-      PlotSet set;
       std::string name = colours.names.empty() ? "" : colours.names[static_cast<std::size_t>(c)];
       if (!symbols.names.empty()) name += (name.empty() ? "" : " / ") + symbols.names[static_cast<std::size_t>(m)];
-      set.name = fieldText(name, kSetNameWidth);
-      netWindow(set);
-      if (!colours.names.empty()) set.syrgb = rgbOfPalette(classColour(static_cast<std::size_t>(c)));
-      set.sym = symbols.names.empty() ? 1 : classShape(static_cast<std::size_t>(m));
-      plot.sets.push_back(set);
+      plot.sets.push_back(netDataSet(name, colours.names.empty() ? 0 : classColour(static_cast<std::size_t>(c)),
+                                     symbols.names.empty() ? 1 : classShape(static_cast<std::size_t>(m))));
     }
     return it->second;
   };
@@ -236,8 +284,7 @@ Status makeStereonetPlot(const StereonetData& data, const StereonetRequest& requ
   addText(net, labelX, labelY - 2 * step,
           std::string(request.projection == kEqualArea ? "Equal area" : "Equal angle") +
               (request.poles ? " 90-0-90" : " 0-90-0"));
-  if (!colours.names.empty()) addKey(net, -kWindow, "Colours:", colours.names, true);
-  if (!symbols.names.empty()) addKey(net, 66.0f, "Symbols:", symbols.names, false);
+  addStereonetKey(net, colours.names, symbols.names);
   if (fisherMean(lines, summary.mean)) {
     const FisherMean& m = summary.mean;
     addText(net, kWindow, labelY, fmt::format("Mean {}/{:03}", std::lround(m.mean.plunge), std::lround(m.mean.trend) % 360), 3);

@@ -54,6 +54,20 @@ inline Status makeStereonetPlot(std::span<const float> dips, std::span<const flo
   return makeStereonetPlot(StereonetData{dips, azimuths, {}, {}}, request, plot, summary);
 }
 
+// A set of observations added to a net plot, in the net's window: its name,
+// palette colour (0: the default blue) and marker shape. Observations out of
+// range are left out; plotted counts the others.
+Status addStereonetSet(PlotRecord& plot, std::span<const float> dips, std::span<const float> azimuths, int projection,
+                       bool poles, const std::string& name, int colour, int shape, int& plotted);
+PlotSet netDataSet(const std::string& name, int colour, int shape);
+// The keys of class names in the lower corners of the net's set: by colour
+// (palette colours 2, 3, ... in order) and by marker shape (1 to 8, repeated).
+void addStereonetKey(PlotSet& net, const std::vector<std::string>& colours, const std::vector<std::string>& symbols);
+// Puts the sets of a net made by makeStereonetPlot into target in place of
+// its own, keeping target's identity, window, layout and (when it has one)
+// title; the first set becomes current.
+void placeStereonet(PlotRecord& target, PlotRecord&& net);
+
 // The classes of a key in order of first appearance, and each observation's
 // place among them.
 struct ClassKey {
