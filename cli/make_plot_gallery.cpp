@@ -10,6 +10,7 @@
 #include <string>
 
 #include "host/fixed_text.h"
+#include "host/reproducible_noise.h"
 #include "plot/axis_scales.h"
 #include "plot/axis_ticks.h"
 #include "plot/plot_drawing.h"
@@ -18,22 +19,7 @@ namespace ss = subsurf;
 
 namespace {
 
-// A small reproducible generator (no dependence on the library's std::rand).
-class Noise {
- public:
-  explicit Noise(std::uint64_t seed) : s_(seed) {}
-  double uniform() {
-    s_ = s_ * 6364136223846793005ULL + 1442695040888963407ULL;
-    return static_cast<double>(s_ >> 11) / 9007199254740992.0;
-  }
-  double normal() {
-    const double u = std::max(1e-12, uniform()), v = uniform();
-    return std::sqrt(-2 * std::log(u)) * std::cos(2 * M_PI * v);
-  }
-
- private:
-  std::uint64_t s_;
-};
+using Noise = ss::ReproducibleNoise;
 
 ss::PlotRecord basePlot(const std::string& title, double widthMm, double heightMm) {
   ss::PlotRecord p;

@@ -44,7 +44,9 @@ struct PlotOptions {
   bool json = false;
   std::string fit, form = "line", fixed;  // xy: a regression line
   std::string dip, azimuth, net = "equal-area";  // stereonet
-  bool poles = false, planes = false, rose = false;
+  bool poles = false, planes = false, rose = false, contours = false;
+  int densityGrid = 100;
+  double contourStep = 2;
   std::string colourClass, symbolClass;  // stereonet: class columns
   std::string column;  // histogram
   int bins = 0;
@@ -227,6 +229,9 @@ int runStereonet(const PlotOptions& o) {
   request.poles = o.poles;
   request.planes = o.planes;
   request.rose = o.rose;
+  request.contours = o.contours;
+  request.densityGrid = o.densityGrid;
+  request.contourStep = o.contourStep;
   request.roseWidth = o.roseWidth;
   request.roseStart = o.roseStart;
   request.title = o.title;
@@ -256,6 +261,9 @@ int runStereonet(const PlotOptions& o) {
   report["rows"] = data.rows;
   report["observations"] = summary.observations;
   report["left_out"] = data.emptyCells + data.nullValues + data.nonFinite + summary.leftOut;
+  if (request.contours && !request.rose)
+    report["density"] = {{"maximum_sigma", summary.densityMaximum}, {"levels_sigma", summary.contourLevels},
+                         {"grid", request.densityGrid}, {"smoothing", request.smoothing}};
   if (request.rose) {
     report["rose_maximum"] = summary.roseMaximum;
   } else if (summary.mean.n > 0) {
@@ -367,6 +375,12 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   stereo->add_flag("--poles", o->poles, "Plot the poles of the planes (default: the dip lines themselves)");
   stereo->add_flag("--planes", o->planes, "Draw each plane as a great circle (up to 2000)");
   stereo->add_flag("--rose", o->rose, "Draw a rose diagram of the azimuths instead");
+  stereo->add_flag("--contours", o->contours,
+                   "Contour the density of the poles or lines (Kamb counting, exponential smoothing; docs/plots.md)");
+  stereo->add_option("--grid", o->densityGrid, "Counting grid for --contours, nodes a side (default 100)")
+      ->check(CLI::Range(3, 1000));
+  stereo->add_option("--contour-step", o->contourStep, "Contour interval in standard deviations (default 2)")
+      ->check(CLI::Range(0.01, 1e9));
   stereo->add_option("--rose-width", o->roseWidth, "Rose class width in degrees, dividing 360 (default 10)");
   stereo->add_option("--rose-start", o->roseStart, "Azimuth where the first rose class starts (default 0)");
   stereo->add_option("--class", o->colourClass, "Column of classes shown by colour, keyed under \"Colours:\"");

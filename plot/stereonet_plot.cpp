@@ -12,6 +12,7 @@
 #include "host/nulls.h"
 #include "host/number_text.h"
 #include "plot/single_set_plot.h"
+#include "plot/stereonet_density.h"
 
 namespace subsurf {
 
@@ -19,7 +20,7 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr float kWindow = 100.0f;
-constexpr int kNetColour = 1, kCircleColour = 4, kPetalColour = 2;
+constexpr int kNetColour = 1, kCircleColour = 4, kPetalColour = 2, kContourColour = 7;
 // Beyond this many planes the great circles hide each other and the data.
 constexpr std::size_t kMaxGreatCircles = 2000;
 
@@ -93,6 +94,22 @@ void addKey(PlotSet& set, float left, const std::string& heading, const std::vec
   }
   if (cut)
     addText(set, left, kTop - kStep * static_cast<float>(kRows), fmt::format("... {} more", names.size() - shown));
+}
+
+// Density contours of the plotted lines, above the data, thicker as they climb.
+Status addContours(PlotSet& net, std::span<const Orientation> lines, const StereonetRequest& r,
+                   StereonetSummary& summary) {
+  DensityGrid grid;
+  if (Status s = kambDensity(lines, r.projection, r.densityGrid, r.smoothing, grid); !s) return s;
+  summary.densityMaximum = grid.maximumSigmas();
+  summary.contourLevels = contourLevels(summary.densityMaximum, r.contourStep);
+  const auto contours = densityContours(grid, summary.contourLevels);
+  for (std::size_t k = 0; k < contours.size(); ++k) {
+    if (contours[k].x.empty()) continue;
+    const float width = 0.25f + 0.35f * static_cast<float>(k) / static_cast<float>(std::max<std::size_t>(1, contours.size() - 1));
+    net.lines.add(polyline(contours[k].x, contours[k].y, kContourColour, width, 0));
+  }
+  return Status::ok();
 }
 
 // A dip in 0..90 and a finite azimuth, taken into 0..360.
@@ -268,6 +285,8 @@ Status makeStereonetPlot(const StereonetData& data, const StereonetRequest& requ
   }
   PlotSet& net = plot.sets.front();
   if (net.pointCount() == 0) net.sym = 0;
+  if (request.contours)
+    if (Status s = addContours(net, lines, request, summary); !s) return s;
   if (request.planes)
     for (std::size_t i = 0; i < dip.size() && i < kMaxGreatCircles; ++i) {
       std::vector<float> x, y;
@@ -290,6 +309,15 @@ Status makeStereonetPlot(const StereonetData& data, const StereonetRequest& requ
     addText(net, kWindow, labelY, fmt::format("Mean {}/{:03}", std::lround(m.mean.plunge), std::lround(m.mean.trend) % 360), 3);
     if (!isNull(m.kappa))
       addText(net, kWindow, labelY - step, fmt::format("k={}, a95={}", formatReal(m.kappa, -3), formatReal(m.alpha95, -2)), 3);
+  }
+  if (request.contours) {
+    std::string levels;
+    for (double l : summary.contourLevels) levels += (levels.empty() ? "" : ", ") + formatReal(l, -6);
+    // Below the net, between the keys.
+    addText(net, 0.0f, -95.5f,
+            fmt::format("Kamb contours: {} (maximum {:.1f} sigma)", levels.empty() ? "none" : levels + " sigma",
+                        summary.densityMaximum),
+            2);
   }
   return Status::ok();
 }

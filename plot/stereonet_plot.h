@@ -7,8 +7,9 @@
 // "Scatter: NAME" (the set's name), "Observations: N", and the net's name
 // followed by the dip read along a diameter, " 90-0-90" for poles (a pole on
 // the rim is that of a vertical plane) or " 0-90-0" for lines; a rose has
-// "Frequency: 0 to MAX" and "Observations: N". Top right: the mean and, with
-// contours, their levels. Data in classes are drawn one plot set per class
+// "Frequency: 0 to MAX" and "Observations: N". Top right: the mean. Below the
+// net, with contours, their levels and the largest density ("Kamb contours:
+// 2, 4, 6 sigma (maximum 7.3 sigma)"). Data in classes are drawn one plot set per class
 // (or pair of classes) and keyed in the lower corners: "Colours:" left,
 // "Symbols:" right, as many classes as fit, then "... N more".
 #pragma once
@@ -29,6 +30,10 @@ struct StereonetRequest {
   bool planes = false;          // great circles of the planes
   bool rose = false;            // a rose diagram of the azimuths instead of the net
   double roseWidth = 10.0, roseStart = 0.0;
+  bool contours = false;        // Kamb density contours of the poles or lines (plot/stereonet_density.h)
+  int densityGrid = 100;        // nodes a side of the counting grid
+  double contourStep = 2.0;     // contour interval in standard deviations
+  double smoothing = 3.0;
   std::string title, setName;
 };
 
@@ -44,6 +49,8 @@ struct StereonetSummary {
   int leftOut = 0;       // pairs with a null, non-finite or out-of-range value
   FisherMean mean;       // of the plotted poles or lines (not for a rose)
   int roseMaximum = 0;   // the largest class count of a rose
+  double densityMaximum = 0;          // with contours: the largest density on the net, in standard deviations
+  std::vector<double> contourLevels;  // ... and the levels drawn
 };
 
 // Dips must lie in 0..90; azimuths are taken modulo 360.

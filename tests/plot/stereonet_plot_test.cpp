@@ -114,6 +114,31 @@ TEST(StereonetPlot, ClassesKeyedByColourAndSymbol) {
             "7 dips but 2 symbol classes");
 }
 
+TEST(StereonetPlot, DensityContoursWithTheirLevels) {
+  // Five horizontal planes: five vertical poles in the centre node. With
+  // f = 2(1 + 5/9) = 28/9 the count there, 5, is 5 / (sqrt(5 (f/2 - 1)) / f)
+  // = 28/3 = 9.33 standard deviations.
+  const std::vector<float> dips(5, 0.0f), az = {0, 10, 20, 30, 40};
+  ss::StereonetRequest r;
+  r.poles = true;
+  r.contours = true;
+  r.densityGrid = 101;
+  ss::PlotRecord plot;
+  ss::StereonetSummary summary;
+  ASSERT_TRUE(ss::makeStereonetPlot(dips, az, r, plot, summary).isOk());
+  EXPECT_NEAR(summary.densityMaximum, 28.0 / 3.0, 1e-9);
+  EXPECT_EQ(summary.contourLevels, (std::vector<double>{2, 4, 6, 8}));
+  EXPECT_EQ(texts(plot.sets[0]).back(), "Kamb contours: 2, 4, 6, 8 sigma (maximum 9.3 sigma)");
+  EXPECT_EQ(plot.sets[0].lines.count(), 3 + 4);  // rim, centre cross, a line per level
+  r.contourStep = 10;
+  ASSERT_TRUE(ss::makeStereonetPlot(dips, az, r, plot, summary).isOk());
+  EXPECT_EQ(texts(plot.sets[0]).back(), "Kamb contours: none (maximum 9.3 sigma)");
+  EXPECT_EQ(plot.sets[0].lines.count(), 3);
+  r.densityGrid = 2;
+  EXPECT_EQ(ss::makeStereonetPlot(dips, az, r, plot, summary).message(),
+            "A density grid of 2 nodes a side is not 3 to 1000");
+}
+
 TEST(StereonetPlot, RefusedInput) {
   ss::PlotRecord plot;
   ss::StereonetSummary summary;
@@ -145,6 +170,13 @@ TEST(StereonetCommand, DrawsAndReportsTheMean) {
       program + " plot stereonet " + csv + " --dip dip --azimuth azimuth --net wulff --json"));
   EXPECT_EQ(r.status, 2);
   EXPECT_NE(r.err.find("--net \"wulff\" is not equal-area or equal-angle"), std::string::npos) << r.err;
+  r = ss::testing::withoutSuppressionReport(ss::testing::runCommand(
+      program + " plot stereonet " + csv + " --dip dip --azimuth azimuth --poles --contours --grid 51 --json"));
+  ASSERT_EQ(r.status, 0) << r.err;
+  const auto d = nlohmann::json::parse(r.out)["density"];
+  EXPECT_EQ(d["grid"], 51);
+  EXPECT_GT(d["maximum_sigma"].get<double>(), 2.0);
+  EXPECT_EQ(d["levels_sigma"][0], 2.0);
   r = ss::testing::withoutSuppressionReport(ss::testing::runCommand(
       program + " plot stereonet " + csv + " --dip dip --azimuth azimuth --class set --json"));
   EXPECT_EQ(r.status, 2);
