@@ -46,7 +46,7 @@ struct PlotOptions {
   std::string dip, azimuth, net = "equal-area";  // stereonet
   bool poles = false, planes = false, rose = false, contours = false;
   int densityGrid = 100;
-  double contourStep = 2;
+  double contourStep = 2, smoothing = 3;
   std::string colourClass, symbolClass;  // stereonet: class columns
   std::string column;  // histogram
   int bins = 0;
@@ -232,6 +232,7 @@ int runStereonet(const PlotOptions& o) {
   request.contours = o.contours;
   request.densityGrid = o.densityGrid;
   request.contourStep = o.contourStep;
+  request.smoothing = o.smoothing;
   request.roseWidth = o.roseWidth;
   request.roseStart = o.roseStart;
   request.title = o.title;
@@ -381,6 +382,9 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
       ->check(CLI::Range(3, 1000));
   stereo->add_option("--contour-step", o->contourStep, "Contour interval in standard deviations (default 2)")
       ->check(CLI::Range(0.01, 1e9));
+  stereo->add_option("--smoothing", o->smoothing,
+                     "Kamb smoothing s for --contours (default 3; larger smooths more, for many poles)")
+      ->check(CLI::Range(0.1, 1e6));
   stereo->add_option("--rose-width", o->roseWidth, "Rose class width in degrees, dividing 360 (default 10)");
   stereo->add_option("--rose-start", o->roseStart, "Azimuth where the first rose class starts (default 0)");
   stereo->add_option("--class", o->colourClass, "Column of classes shown by colour, keyed under \"Colours:\"");
