@@ -216,6 +216,31 @@ int runXy(const PlotOptions& o) {
   return kExitOk;
 }
 
+// What the net shows, for a reader of the terminal: counts, the mean with
+// Fisher's statistics, the contour levels.
+void printStereonetSummary(const StereonetRequest& request, const StereonetSummary& summary, long leftOut) {
+  std::printf("Observations: %d (%ld left out)\n", summary.observations, leftOut);
+  if (request.rose) {
+    std::printf("Frequency: 0 to %d in classes of %s degrees from %s\n", summary.roseMaximum,
+                formatReal(request.roseWidth, -6).c_str(), formatReal(request.roseStart, -6).c_str());
+    return;
+  }
+  const FisherMean& m = summary.mean;
+  if (m.n > 0) {
+    std::printf("Mean %s: plunge %s, trend %s, R=%s", request.poles ? "pole" : "line",
+                formatReal(m.mean.plunge, 1).c_str(), formatReal(m.mean.trend, 1).c_str(),
+                formatReal(m.resultant, -6).c_str());
+    if (!isNull(m.kappa)) std::printf(", k=%s, a95=%s", formatReal(m.kappa, -4).c_str(), formatReal(m.alpha95, -3).c_str());
+    std::printf("\n");
+  }
+  if (request.contours) {
+    std::string levels;
+    for (double l : summary.contourLevels) levels += (levels.empty() ? "" : ", ") + formatReal(l, -6);
+    std::printf("Kamb contours: %s sigma (maximum %s sigma)\n", levels.empty() ? "none" : levels.c_str(),
+                formatReal(summary.densityMaximum, 1).c_str());
+  }
+}
+
 int runStereonet(const PlotOptions& o) {
   std::vector<drawing::OutputKind> kinds;
   if (!outputKinds(o, kinds)) return kExitBadInput;
@@ -265,6 +290,7 @@ int runStereonet(const PlotOptions& o) {
   if (request.contours && !request.rose)
     report["density"] = {{"maximum_sigma", summary.densityMaximum}, {"levels_sigma", summary.contourLevels},
                          {"grid", request.densityGrid}, {"smoothing", request.smoothing}};
+  if (!o.json) printStereonetSummary(request, summary, report["left_out"].get<long>());
   if (request.rose) {
     report["rose_maximum"] = summary.roseMaximum;
   } else if (summary.mean.n > 0) {

@@ -16,6 +16,7 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 // Weights below exp(-kCutoff) are left out.
 constexpr double kCutoff = 40.0;
+constexpr std::size_t kMostAxes = 1000000000;
 
 using Vec = std::array<double, 3>;  // north, east, down
 
@@ -124,6 +125,8 @@ Status kambDensity(std::span<const Orientation> axes, int projection, int size, 
   for (const Orientation& o : axes)
     if (std::isfinite(o.plunge) && std::isfinite(o.trend)) v.push_back(unitVector(o));
   if (v.empty()) return Status::error("No valid data points!");
+  // Both ends of every axis are indexed in 32 bits.
+  if (v.size() > kMostAxes) return Status::error(fmt::format("{} axes are more than the {} a density counts", v.size(), kMostAxes));
   const double f = kambExponent(v.size(), smoothing);
   out.size = size;
   out.projection = projection;

@@ -171,6 +171,22 @@ TEST(StereonetCommand, DrawsAndReportsTheMean) {
   EXPECT_EQ(r.status, 2);
   EXPECT_NE(r.err.find("--net \"wulff\" is not equal-area or equal-angle"), std::string::npos) << r.err;
   r = ss::testing::withoutSuppressionReport(ss::testing::runCommand(
+      program + " plot stereonet " + csv + " --dip dip --azimuth azimuth --poles --out " + tmp.file("c.png")));
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out, "Observations: 2 (1 left out)\nMean pole: plunge 60.0, trend 270.0, R=2\n");
+  // Two horizontal planes: both poles in the centre node, 2 / (sqrt(2 (f/2 - 1)) / f)
+  // = 7.33 standard deviations with f = 2(1 + 2/9).
+  const std::string flat = tmp.write("flat.csv", "dip,azimuth\n0,0\n0,90\n");
+  r = ss::testing::withoutSuppressionReport(ss::testing::runCommand(
+      program + " plot stereonet " + flat + " --dip dip --azimuth azimuth --poles --contours --grid 51 --out " +
+      tmp.file("f.png")));
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_NE(r.out.find("\nKamb contours: 2, 4, 6 sigma (maximum 7.3 sigma)\n"), std::string::npos) << r.out;
+  r = ss::testing::withoutSuppressionReport(ss::testing::runCommand(
+      program + " plot stereonet " + csv + " --dip dip --azimuth azimuth --rose --rose-width 30 --out " +
+      tmp.file("r.png")));
+  EXPECT_EQ(r.out, "Observations: 2 (1 left out)\nFrequency: 0 to 2 in classes of 30 degrees from 0\n");
+  r = ss::testing::withoutSuppressionReport(ss::testing::runCommand(
       program + " plot stereonet " + csv + " --dip dip --azimuth azimuth --poles --contours --grid 51 --json"));
   ASSERT_EQ(r.status, 0) << r.err;
   const auto d = nlohmann::json::parse(r.out)["density"];
