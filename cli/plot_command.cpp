@@ -417,6 +417,7 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   stereo->add_option("--symbol-class", o->symbolClass, "Column of classes shown by marker, keyed under \"Symbols:\"");
   stereo->add_option("--title", o->title, "Title above the net");
   addOutputOptions(stereo, *o);
+  stereo->get_option("--size")->description("Picture size in pixels at --dpi (default 1200x1200)");
   stereo->callback([o, stereo, &exitCode] {
     if (stereo->count("--size") == 0) o->size = "1200x1200";  // a round net wants a square page
     exitCode = runStereonet(*o);
