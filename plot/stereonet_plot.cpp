@@ -11,6 +11,7 @@
 #include "host/fixed_text.h"
 #include "host/nulls.h"
 #include "host/number_text.h"
+#include "plot/axis_scales.h"
 #include "plot/single_set_plot.h"
 #include "plot/stereonet_density.h"
 
@@ -20,7 +21,7 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr float kWindow = 100.0f;
-constexpr int kNetColour = 1, kCircleColour = 4, kPetalColour = 2, kContourColour = 7;
+constexpr int kNetColour = 1, kCircleColour = 4, kPetalColour = 2, kContourColour = 7, kRingColour = 9;
 // Beyond this many planes the great circles hide each other and the data.
 constexpr std::size_t kMaxGreatCircles = 2000;
 
@@ -131,6 +132,33 @@ void addRim(PlotSet& set) {
   set.lines.add(polyline({-3, 3}, {0, 0}, kNetColour, 0.25f, 0));
   set.lines.add(polyline({0, 0}, {-3, 3}, kNetColour, 0.25f, 0));
   addText(set, 0.0f, 92.0f, "N", 2);
+}
+
+// Rings of equal frequency at a 1-2-5 step of the fullest class (the rim).
+std::vector<int> ringCounts(int most) {
+  std::vector<int> rings;
+  for (int c = step125(most); c < most; c += step125(most)) rings.push_back(c);
+  return rings;
+}
+
+void addRoseRings(PlotSet& set, int most) {
+  for (int c : ringCounts(most)) {
+    const double radius = kNetRadius * c / most;
+    std::vector<float> x, y;
+    for (int k = 0; k < 180; ++k) {
+      x.push_back(static_cast<float>(radius * std::sin(k * 2 * kPi / 180.0)));
+      y.push_back(static_cast<float>(radius * std::cos(k * 2 * kPi / 180.0)));
+    }
+    LineElement ring = polyline(std::move(x), std::move(y), kRingColour, 0.15f, 1);
+    ring.STYLE = 2;
+    set.lines.add(std::move(ring));
+  }
+}
+
+// Each ring's count where it crosses east.
+void addRingLabels(PlotSet& set, int most) {
+  for (int c : ringCounts(most))
+    addText(set, static_cast<float>(kNetRadius * c / most) + 0.8f, -2.5f, std::to_string(c));
 }
 
 void addRose(PlotSet& set, const std::vector<int>& counts, const StereonetRequest& r) {
@@ -245,10 +273,12 @@ Status makeStereonetPlot(const StereonetData& data, const StereonetRequest& requ
     std::vector<int> counts;
     if (Status s = roseCounts(azimuth, request.roseWidth, request.roseStart, counts); !s) return s;
     summary.roseMaximum = *std::max_element(counts.begin(), counts.end());
+    addRoseRings(set, summary.roseMaximum);
     addRose(set, counts, request);
     set.sym = 0;
     addText(set, labelX, labelY, fmt::format("Frequency: 0 to {}", summary.roseMaximum));
     addText(set, labelX, labelY - step, fmt::format("Observations: {}", summary.observations));
+    addRingLabels(set, summary.roseMaximum);
     return Status::ok();
   }
 

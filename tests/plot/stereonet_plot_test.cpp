@@ -67,9 +67,16 @@ TEST(StereonetPlot, ScatterPlanesAndRose) {
   ASSERT_TRUE(ss::makeStereonetPlot(dips, az, r, plot, summary).isOk());
   EXPECT_EQ(summary.roseMaximum, 2);
   EXPECT_EQ(plot.sets[0].pointCount(), 0);
-  EXPECT_EQ(plot.sets[0].lines.count(), 3 + 2);  // two petals
-  EXPECT_EQ(texts(plot.sets[0])[1], "Frequency: 0 to 2");
-  EXPECT_EQ(texts(plot.sets[0])[2], "Observations: 3");
+  EXPECT_EQ(plot.sets[0].lines.count(), 3 + 1 + 2);  // a ring at 1 (the 1-2-5 step of 2), two petals
+  EXPECT_EQ(texts(plot.sets[0]), (std::vector<std::string>{"N", "Frequency: 0 to 2", "Observations: 3", "1"}));
+  // Rings every 20 for a fullest class of 120 (step125: 120 / 100 is not above 2,
+  // so 100 / 5), the rim being the fullest class itself.
+  std::vector<float> many(120, 10.0f), manyAz(120, 45.0f);
+  ASSERT_TRUE(ss::makeStereonetPlot(many, manyAz, r, plot, summary).isOk());
+  const auto t = texts(plot.sets[0]);
+  EXPECT_EQ(std::vector<std::string>(t.begin() + 3, t.end()), (std::vector<std::string>{"20", "40", "60", "80", "100"}));
+  EXPECT_NEAR(plot.sets[0].lines.at(4).x[0], 0.0, 1e-6);
+  EXPECT_NEAR(plot.sets[0].lines.at(4).y[0], 90.0 * 20 / 120, 1e-4);  // the first ring, through north
 }
 
 TEST(StereonetPlot, ClassesKeyedByColourAndSymbol) {
