@@ -21,6 +21,8 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr float kWindow = 100.0f;
+// Labels keep this far (net units) inside the window's edges, clear of the frame.
+constexpr float kInset = 2.0f;
 constexpr int kNetColour = 1, kCircleColour = 4, kPetalColour = 2, kContourColour = 7, kRingColour = 9;
 // Beyond this many planes the great circles hide each other and the data.
 constexpr std::size_t kMaxGreatCircles = 2000;
@@ -189,7 +191,7 @@ PlotSet netDataSet(const std::string& name, int colour, int shape) {
 }
 
 void addStereonetKey(PlotSet& net, const std::vector<std::string>& colours, const std::vector<std::string>& symbols) {
-  if (!colours.empty()) addKey(net, -kWindow, "Colours:", colours, true);
+  if (!colours.empty()) addKey(net, -kWindow + kInset, "Colours:", colours, true);
   if (!symbols.empty()) addKey(net, 66.0f, "Symbols:", symbols, false);
 }
 
@@ -220,6 +222,7 @@ void placeStereonet(PlotRecord& target, PlotRecord&& net) {
   target.sets = std::move(net.sets);
   target.currentSet = 1;
   target.fields.grlc1 = net.fields.grlc1;
+  target.layout.aspect = net.layout.aspect;
   if (trimmedBlanks(target.fields.title).empty()) target.fields.title = net.fields.title;
 }
 
@@ -264,9 +267,10 @@ Status makeStereonetPlot(const StereonetData& data, const StereonetRequest& requ
 
   plot = singleSetPlot(request.title, request.setName);
   plot.fields.grlc1 = 0;
+  plot.layout.aspect = 1.0f;  // a square data area: the net stays a circle on any page
   netWindow(plot.sets.back());
   addRim(plot.sets.back());
-  const float labelX = -kWindow, labelY = 96.0f, step = 6.0f;
+  const float labelX = -kWindow + kInset, labelY = 96.0f, step = 6.0f;
 
   if (request.rose) {
     PlotSet& set = plot.sets.back();
@@ -336,9 +340,9 @@ Status makeStereonetPlot(const StereonetData& data, const StereonetRequest& requ
   addStereonetKey(net, colours.names, symbols.names);
   if (fisherMean(lines, summary.mean)) {
     const FisherMean& m = summary.mean;
-    addText(net, kWindow, labelY, fmt::format("Mean {}/{:03}", std::lround(m.mean.plunge), std::lround(m.mean.trend) % 360), 3);
+    addText(net, kWindow - kInset, labelY, fmt::format("Mean {}/{:03}", std::lround(m.mean.plunge), std::lround(m.mean.trend) % 360), 3);
     if (!isNull(m.kappa))
-      addText(net, kWindow, labelY - step, fmt::format("k={}, a95={}", formatReal(m.kappa, -3), formatReal(m.alpha95, -2)), 3);
+      addText(net, kWindow - kInset, labelY - step, fmt::format("k={}, a95={}", formatReal(m.kappa, -3), formatReal(m.alpha95, -2)), 3);
   }
   if (request.contours) {
     std::string levels;

@@ -3,7 +3,8 @@
 // with the counts and the Fisher mean written beside the net.
 //
 // The net lies in a square window of -100..100 units with the rim at 90 and
-// hidden axes; draw it on a square page. Labels, top left: "Poles: NAME" or
+// hidden axes; the plot's layout keeps the data area square, so the net is a
+// circle on a page of any shape. Labels, top left: "Poles: NAME" or
 // "Scatter: NAME" (the set's name), "Observations: N", and the net's name
 // followed by the dip read along a diameter, " 90-0-90" for poles (a pole on
 // the rim is that of a vertical plane) or " 0-90-0" for lines; a rose has
