@@ -703,10 +703,36 @@ class PlotPainter {
   void textElement(const ZW_TEXT& t, const Mapper& map) {
     double px, py;
     if (!map.map(t.X, t.Y, px, py)) return;
-    c_.setFont(std::max(0.5f, t.HEIGHT));
+    double height = std::max(0.5f, t.HEIGHT);
+    c_.setFont(height);
     c_.setColour(t.COLOUR);
     const Align align = t.ALIGN == 2 ? Align::Centre : t.ALIGN == 3 ? Align::Right : Align::Left;
-    c_.text(fixedText(t.TEXT), px, py, align, Baseline::Middle, t.ANGLE);
+    const std::string text = fixedText(t.TEXT);
+    if (t.ANGLE == 0) keepInsideArea(text, height, align, px, py);
+    c_.text(text, px, py, align, Baseline::Middle, t.ANGLE);
+  }
+
+  // Text is clipped to the data area, so a level text anchored inside it
+  // that would run over an edge (a right-aligned label at the edge, any label
+  // on a small page) is moved in, clear of the frame, rather than cut; one
+  // wider than the area is set smaller, as a long title is.
+  void keepInsideArea(const std::string& text, double& height, Align align, double& px, double& py) {
+    if (px < area_.left || px > area_.right || py < area_.top || py > area_.bottom) return;
+    double width = c_.textWidth(text), pad = height * 0.3;
+    if (width > area_.width() - 2 * pad && area_.width() > 2 * pad) {
+      height *= (area_.width() - 2 * pad) / width * 0.98;
+      c_.setFont(height);
+      width = c_.textWidth(text);
+    }
+    double left = align == Align::Centre ? px - width / 2 : align == Align::Right ? px - width : px;
+    const double over = std::max(0.0, left + width - (area_.right - pad));
+    left -= over;
+    px -= over;
+    if (left < area_.left + pad) px += area_.left + pad - left;  // a text wider than the area keeps its start
+    // Cap height above the middle, with room for accents; descenders below.
+    const double above = height * 0.5 + height * 0.25, below = height * 0.5 + height * 0.3;
+    if (py + below > area_.bottom - pad) py = area_.bottom - pad - below;
+    if (py - above < area_.top + pad) py = area_.top + pad + above;
   }
 
   void shading(const PlotSet& set, const Mapper& map, std::size_t n) {

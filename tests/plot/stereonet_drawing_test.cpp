@@ -19,9 +19,11 @@ namespace {
 
 struct Page {
   int width, height;  // pixels
+  double dpi;
 };
-constexpr Page kPages[] = {{576, 576}, {1600, 900}, {600, 1000}};
-constexpr double kDpi = 96.0;
+// Square, wide and tall; the last a small page (102 mm wide), where labels
+// sized in millimetres take much of the net's window.
+constexpr Page kPages[] = {{576, 576, 96}, {1600, 900, 96}, {600, 1000, 96}, {600, 1000, 150}};
 
 // Dark pixels (any channel below 160) of a PNG, row by row.
 struct Ink {
@@ -82,16 +84,17 @@ ss::PlotRecord fractureNet(bool rose) {
 }
 
 std::string pageName(const Page& page, bool rose) {
-  return std::to_string(page.width) + "x" + std::to_string(page.height) + (rose ? "-rose" : "") + ".png";
+  return std::to_string(page.width) + "x" + std::to_string(page.height) + "-" + std::to_string(static_cast<int>(page.dpi)) +
+         (rose ? "-rose" : "") + ".png";
 }
 
 std::string drawOn(const ss::PlotRecord& plot, const Page& page, const std::string& path) {
   ss::DrawOptions o;
   o.kind = ss::drawing::OutputKind::Png;
   o.path = path;
-  o.dpi = kDpi;
-  o.widthMm = page.width * 25.4 / kDpi;
-  o.heightMm = page.height * 25.4 / kDpi;
+  o.dpi = page.dpi;
+  o.widthMm = page.width * 25.4 / page.dpi;
+  o.heightMm = page.height * 25.4 / page.dpi;
   EXPECT_TRUE(ss::drawPlot(plot, o).isOk()) << path;
   return path;
 }
@@ -126,7 +129,7 @@ TEST(StereonetDrawing, TheRimIsACircleOnSquareWideAndTallPages) {
       EXPECT_NEAR(across, down, 1) << name;
       // As large as the shorter side allows (the rim at 90 of 100 units, inside the margins), and centred across the page.
       const int shorter = std::min(page.width, page.height);
-      EXPECT_GT(down, shorter * 0.75) << name;
+      EXPECT_GT(down, shorter * 0.7) << name;
       EXPECT_LT(down, shorter * 0.9) << name;
       EXPECT_NEAR((b.left + b.right) / 2.0, page.width / 2.0, 2.0) << name;
     }
