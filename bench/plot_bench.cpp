@@ -4,7 +4,6 @@
 // numpy doing the same work.
 #include <benchmark/benchmark.h>
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cmath>
@@ -13,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/peak_memory.h"
 #include "plot/axis_scales.h"
 #include "plot/plot_drawing.h"
 #include "subsurf/plot.h"
@@ -37,12 +37,6 @@ void points(std::size_t n, std::vector<float>& x, std::vector<float>& y) {
     x[k] = static_cast<float>(r * std::cos(2 * M_PI * v));
     y[k] = static_cast<float>(0.6 * x[k] + 0.8 * r * std::sin(2 * M_PI * v));
   }
-}
-
-double peakRssMb() {
-  rusage u{};
-  getrusage(RUSAGE_SELF, &u);
-  return static_cast<double>(u.ru_maxrss) / 1024.0;
 }
 
 ss::PlotRecord millionPointPlot() {

@@ -8,8 +8,10 @@
 #include <filesystem>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "host/fixed_text.h"
+#include "host/reproducible_noise.h"
 #include "plot/axis_scales.h"
 #include "plot/axis_ticks.h"
 #include "plot/binned_plot.h"
@@ -18,27 +20,13 @@
 #include "plot/fitted_line.h"
 #include "plot/histogram_plot.h"
 #include "plot/plot_drawing.h"
+#include "plot/stereonet_plot.h"
 
 namespace ss = subsurf;
 
 namespace {
 
-// A small reproducible generator (no dependence on the library's std::rand).
-class Noise {
- public:
-  explicit Noise(std::uint64_t seed) : s_(seed) {}
-  double uniform() {
-    s_ = s_ * 6364136223846793005ULL + 1442695040888963407ULL;
-    return static_cast<double>(s_ >> 11) / 9007199254740992.0;
-  }
-  double normal() {
-    const double u = std::max(1e-12, uniform()), v = uniform();
-    return std::sqrt(-2 * std::log(u)) * std::cos(2 * M_PI * v);
-  }
-
- private:
-  std::uint64_t s_;
-};
+using Noise = ss::ReproducibleNoise;
 
 ss::PlotRecord basePlot(const std::string& title, double widthMm, double heightMm) {
   ss::PlotRecord p;
@@ -281,6 +269,47 @@ ss::PlotRecord colouredByShale() {
   return p;
 }
 
+// Fracture planes of three sets, as a geologist logs them from core: dip and
+// dip azimuth with a set name and whether the fracture is open.
+struct Fractures {
+  std::vector<float> dips, azimuths;
+  std::vector<std::string> sets, kinds;
+};
+
+Fractures fractures(int n) {
+  Noise r(17);
+  struct Set {
+    const char* name;
+    double share, dip, azimuth, spread;
+  };
+  const Set sets[] = {{"J1", 0.4, 72, 115, 7}, {"J2", 0.3, 58, 225, 9}, {"Bedding", 0.3, 12, 290, 5}};
+  Fractures f;
+  for (int k = 0; k < n; ++k) {
+    const double u = r.uniform();
+    const Set& s = u < 0.4 ? sets[0] : u < 0.7 ? sets[1] : sets[2];
+    f.dips.push_back(static_cast<float>(std::clamp(s.dip + s.spread * r.normal(), 0.0, 90.0)));
+    f.azimuths.push_back(static_cast<float>(std::fmod(s.azimuth + s.spread * r.normal() + 360.0, 360.0)));
+    f.sets.push_back(s.name);
+    f.kinds.push_back(r.uniform() < 0.7 ? "open" : "sealed");
+  }
+  return f;
+}
+
+ss::PlotRecord stereonet(const Fractures& f, const ss::StereonetRequest& request, bool classes) {
+  ss::PlotRecord p;
+  ss::StereonetSummary summary;
+  ss::StereonetData data{f.dips, f.azimuths, {}, {}};
+  if (classes) {
+    data.colourClasses = f.sets;
+    data.symbolClasses = f.kinds;
+  }
+  if (ss::Status s = ss::makeStereonetPlot(data, request, p, summary); !s) std::cerr << s.message() << "\n";
+  // Labels are sized in millimetres and placed in net units: a net wants a
+  // page near the command's own (1200 pixels at 150 dpi, 203 mm).
+  p.layout.pagex = p.layout.pagey = 190;
+  return p;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -304,5 +333,33 @@ int main(int argc, char** argv) {
   failed += draw(porosityHistogram(), folder + "/histogram.png", dpi);
   failed += draw(permeabilityByPorosity(), folder + "/binned-statistics.png", dpi);
   failed += draw(colouredByShale(), folder + "/coloured-by-class.png", dpi);
+
+  // Stereonets and a rose diagram, on large pages drawn at a lower dpi.
+  const double netDpi = dpi * 0.7;
+  const Fractures logged = fractures(400);
+  ss::StereonetRequest contoured;
+  contoured.poles = true;
+  contoured.contours = true;
+  contoured.title = "Fracture poles with Kamb contours";
+  contoured.setName = "well A";
+  failed += draw(stereonet(logged, contoured, true), folder + "/stereonet-contours.png", netDpi);
+  const Fractures few = fractures(24);
+  ss::StereonetRequest planes;
+  planes.poles = true;
+  planes.planes = true;
+  planes.projection = ss::kEqualAngle;
+  planes.title = "Planes and their poles, equal angle";
+  planes.setName = "outcrop 3";
+  failed += draw(stereonet(few, planes, false), folder + "/stereonet-planes.png", netDpi);
+  ss::StereonetRequest lines;
+  lines.poles = false;
+  lines.title = "Dip lines, equal area";
+  lines.setName = "well A";
+  failed += draw(stereonet(logged, lines, false), folder + "/stereonet-scatter.png", netDpi);
+  ss::StereonetRequest rose;
+  rose.rose = true;
+  rose.roseWidth = 15;
+  rose.title = "Dip azimuths, 15 degree classes";
+  failed += draw(stereonet(logged, rose, false), folder + "/rose.png", netDpi);
   return failed == 0 ? 0 : 1;
 }

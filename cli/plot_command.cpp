@@ -50,7 +50,10 @@ struct PlotOptions {
   int classes = 0;
   BinnedInput binned;  // bins
   std::string dip, azimuth, net = "equal-area";  // stereonet
-  bool poles = false, planes = false, rose = false;
+  bool poles = false, planes = false, rose = false, contours = false;
+  int densityGrid = 100;
+  double contourStep = 2, smoothing = 3;
+  std::string colourClass, symbolClass;  // stereonet: class columns
   std::string column;  // histogram
   int bins = 0;
   double roseWidth = 10, roseStart = 0;
@@ -286,6 +289,31 @@ int runXy(const PlotOptions& o) {
   return kExitOk;
 }
 
+// What the net shows, for a reader of the terminal: counts, the mean with
+// Fisher's statistics, the contour levels.
+void printStereonetSummary(const StereonetRequest& request, const StereonetSummary& summary, long leftOut) {
+  std::printf("Observations: %d (%ld left out)\n", summary.observations, leftOut);
+  if (request.rose) {
+    std::printf("Frequency: 0 to %d in classes of %s degrees from %s\n", summary.roseMaximum,
+                formatReal(request.roseWidth, -6).c_str(), formatReal(request.roseStart, -6).c_str());
+    return;
+  }
+  const FisherMean& m = summary.mean;
+  if (m.n > 0) {
+    std::printf("Mean %s: plunge %s, trend %s, R=%s", request.poles ? "pole" : "line",
+                formatReal(m.mean.plunge, 1).c_str(), formatReal(m.mean.trend, 1).c_str(),
+                formatReal(m.resultant, -6).c_str());
+    if (!isNull(m.kappa)) std::printf(", k=%s, a95=%s", formatReal(m.kappa, -4).c_str(), formatReal(m.alpha95, -3).c_str());
+    std::printf("\n");
+  }
+  if (request.contours) {
+    std::string levels;
+    for (double l : summary.contourLevels) levels += (levels.empty() ? "" : ", ") + formatReal(l, -6);
+    std::printf("Kamb contours: %s sigma (maximum %s sigma)\n", levels.empty() ? "none" : levels.c_str(),
+                formatReal(summary.densityMaximum, 1).c_str());
+  }
+}
+
 int runStereonet(const PlotOptions& o) {
   std::vector<drawing::OutputKind> kinds;
   if (!outputKinds(o, kinds)) return kExitBadInput;
@@ -299,6 +327,10 @@ int runStereonet(const PlotOptions& o) {
   request.poles = o.poles;
   request.planes = o.planes;
   request.rose = o.rose;
+  request.contours = o.contours;
+  request.densityGrid = o.densityGrid;
+  request.contourStep = o.contourStep;
+  request.smoothing = o.smoothing;
   request.roseWidth = o.roseWidth;
   request.roseStart = o.roseStart;
   request.title = o.title;
@@ -306,14 +338,20 @@ int runStereonet(const PlotOptions& o) {
   AxisRequest dip, azimuth;
   dip.column = o.dip;
   azimuth.column = o.azimuth;
+  std::vector<std::string> classColumns;
+  for (const std::string* c : {&o.colourClass, &o.symbolClass})
+    if (!c->empty()) classColumns.push_back(*c);
   CrossplotData data;
-  if (Status s = readCrossplotData(o.data, dip, azimuth, data); !s) {
+  if (Status s = readCrossplotData(o.data, dip, azimuth, data, classColumns); !s) {
     fail(s.message());
     return kExitBadInput;
   }
+  StereonetData observations{data.x, data.y, {}, {}};
+  if (!o.colourClass.empty()) observations.colourClasses = data.texts.front();
+  if (!o.symbolClass.empty()) observations.symbolClasses = data.texts.back();
   PlotRecord plot;
   StereonetSummary summary;
-  if (Status s = makeStereonetPlot(data.x, data.y, request, plot, summary); !s) {
+  if (Status s = makeStereonetPlot(observations, request, plot, summary); !s) {
     fail(fmt::format("{}: {}", o.data, s.message()));
     return kExitBadInput;
   }
@@ -322,6 +360,10 @@ int runStereonet(const PlotOptions& o) {
   report["rows"] = data.rows;
   report["observations"] = summary.observations;
   report["left_out"] = data.emptyCells + data.nullValues + data.nonFinite + summary.leftOut;
+  if (request.contours && !request.rose)
+    report["density"] = {{"maximum_sigma", summary.densityMaximum}, {"levels_sigma", summary.contourLevels},
+                         {"grid", request.densityGrid}, {"smoothing", request.smoothing}};
+  if (!o.json) printStereonetSummary(request, summary, report["left_out"].get<long>());
   if (request.rose) {
     report["rose_maximum"] = summary.roseMaximum;
   } else if (summary.mean.n > 0) {
@@ -476,10 +518,22 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
   stereo->add_flag("--poles", o->poles, "Plot the poles of the planes (default: the dip lines themselves)");
   stereo->add_flag("--planes", o->planes, "Draw each plane as a great circle (up to 2000)");
   stereo->add_flag("--rose", o->rose, "Draw a rose diagram of the azimuths instead");
+  stereo->add_flag("--contours", o->contours,
+                   "Contour the density of the poles or lines (Kamb counting, exponential smoothing; docs/plots.md)");
+  stereo->add_option("--grid", o->densityGrid, "Counting grid for --contours, nodes a side (default 100)")
+      ->check(CLI::Range(3, 1000));
+  stereo->add_option("--contour-step", o->contourStep, "Contour interval in standard deviations (default 2)")
+      ->check(CLI::Range(0.01, 1e9));
+  stereo->add_option("--smoothing", o->smoothing,
+                     "Kamb smoothing s for --contours (default 3; larger smooths more, for many poles)")
+      ->check(CLI::Range(0.1, 1e6));
   stereo->add_option("--rose-width", o->roseWidth, "Rose class width in degrees, dividing 360 (default 10)");
   stereo->add_option("--rose-start", o->roseStart, "Azimuth where the first rose class starts (default 0)");
+  stereo->add_option("--class", o->colourClass, "Column of classes shown by colour, keyed under \"Colours:\"");
+  stereo->add_option("--symbol-class", o->symbolClass, "Column of classes shown by marker, keyed under \"Symbols:\"");
   stereo->add_option("--title", o->title, "Title above the net");
   addOutputOptions(stereo, *o);
+  stereo->get_option("--size")->description("Picture size in pixels at --dpi (default 1200x1200)");
   stereo->callback([o, stereo, &exitCode] {
     if (stereo->count("--size") == 0) o->size = "1200x1200";  // a round net wants a square page
     exitCode = runStereonet(*o);

@@ -80,12 +80,13 @@ int rangeModeByName(const std::string& name) {
   return 0;
 }
 
-Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out) {
-  return readCrossplotData(path, x, y, nullptr, out);
+Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out,
+                         const std::vector<std::string>& textColumns) {
+  return readCrossplotData(path, x, y, nullptr, out, textColumns);
 }
 
 Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y,
-                         const AxisRequest* colour, CrossplotData& out) {
+                         const AxisRequest* colour, CrossplotData& out, const std::vector<std::string>& textColumns) {
   std::ifstream in(path, std::ios::binary);
   if (!in) return Status::error(fmt::format("cannot open \"{}\"", path));
   std::string line;
@@ -113,6 +114,13 @@ Status readCrossplotData(const std::string& path, const AxisRequest& x, const Ax
     const HeaderCell& cell = header[static_cast<std::size_t>(index[a])];
     if (Status s = conversionFor(path, cell, requests[a]->unit, conversion[a]); !s) return s;
   }
+  std::vector<int> textIndex;
+  for (const std::string& name : textColumns) {
+    textIndex.push_back(findColumn(header, name));
+    if (textIndex.back() < 0)
+      return Status::error(fmt::format("{}, line {}: no column \"{}\"; the columns are {}", path, lineNumber, name,
+                                       columnList(header)));
+  }
   out = CrossplotData();
   const auto columnName = [&](std::size_t a) { return header[static_cast<std::size_t>(index[a])].name; };
   const auto axisUnit = [&](std::size_t a) {
@@ -126,6 +134,7 @@ Status readCrossplotData(const std::string& path, const AxisRequest& x, const Ax
     out.colourColumn = columnName(2);
     out.colourUnit = axisUnit(2);
   }
+  out.texts.resize(textIndex.size());
 
   const UnitsRegistry& units = unitsRegistry();
   while (std::getline(in, line)) {
@@ -160,6 +169,7 @@ Status readCrossplotData(const std::string& path, const AxisRequest& x, const Ax
     };
     out.x.push_back(converted(0));
     out.y.push_back(converted(1));
+    for (std::size_t k = 0; k < textIndex.size(); ++k) out.texts[k].push_back(trimBlanks(row.field(textIndex[k] + 1)));
     if (!colour) continue;
     if (empty[2] || null[2] || nonFinite[2]) {
       out.colour.push_back(kRealNull);

@@ -39,16 +39,21 @@ struct CrossplotData {
   std::vector<float> colour;
   std::string colourUnit, colourColumn;
   long colourNulls = 0;
+  // The cells of each text column asked for, one per usable pair.
+  std::vector<std::vector<std::string>> texts;
 };
 
 // Reads the two columns of a CSV file. Faults name the file, the line and the
 // column: a missing column, a cell that is not a number, a unit that is not
 // known or cannot be converted into the axis unit.
-Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out);
+// Text columns (textColumns, by header name) are read beside them into out.texts.
+Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y, CrossplotData& out,
+                         const std::vector<std::string>& textColumns = {});
 // The same with a third column whose value colours each point; a point whose
 // colour cell holds no value is kept (and counted in colourNulls).
 Status readCrossplotData(const std::string& path, const AxisRequest& x, const AxisRequest& y,
-                         const AxisRequest* colour, CrossplotData& out);
+                         const AxisRequest* colour, CrossplotData& out,
+                         const std::vector<std::string>& textColumns = {});
 
 // A plot of the data: one set named after the file, axis labels from the
 // column names, scale units, markers sized for the number of points, and

@@ -550,13 +550,14 @@ class PlotPainter {
     const double nh = numberHeight(), lh = labelHeight();
     if (!axesSet_) {
       area_ = box;
+      keepShape();
       return;
     }
     const int xPlace = axesSet_->ax[0], yPlace = axesSet_->ax[1];
     const std::string xLabel = axisLabel(plot_, *axesSet_, 0), yLabel = axisLabel(plot_, *axesSet_, 1);
     const double xBand = xPlace > 0 ? kMajorTick + kTickGap + nh + (xLabel.empty() ? 0 : kLabelGap + lh) + nh * 0.4 : 0;
     area_ = box;
-    area_.top += nh * 0.7;  // half a number above the top tick of the y axis
+    if (yPlace > 0) area_.top += nh * 0.7;  // half a number above the top tick of the y axis
     if (xPlace == 2) area_.top += xBand;
     else if (xPlace > 0) area_.bottom -= xBand;
     // The y numbers' widths depend on which ticks fit the height.
@@ -565,16 +566,38 @@ class PlotPainter {
     double widest = 0;
     for (const Tick& t : yTicks_) widest = std::max(widest, c_.textWidth(t.label));
     const double yBand = yPlace > 0 ? kMajorTick + kTickGap + widest + (yLabel.empty() ? 0 : kLabelGap + lh) + nh * 0.3 : 0;
+    const double lastNumber = xPlace > 0 ? nh * 1.5 : 0;  // half of a last x number
     if (yPlace == 2) {
       area_.right -= yBand;
-      area_.left += nh * 1.5;
+      area_.left += lastNumber;
     } else {
       area_.left += yBand;
-      area_.right -= nh * 1.5;  // half of a last x number
+      area_.right -= lastNumber;
     }
+    if (area_.width() < 5 || area_.height() < 5) area_ = box;
+    if (keepShape()) yTicks_ = axisTicks(axisScales_[1], area_.height(), [nh](const std::string&) { return nh; }, nh * 1.6);
     xTicks_ = axisTicks(axisScales_[0], area_.width(),
                         [this](const std::string& s) { return c_.textWidth(s); }, nh * 1.2);
-    if (area_.width() < 5 || area_.height() < 5) area_ = box;
+  }
+
+  // A plot whose layout fixes the data area's shape (height over width; a
+  // stereonet's is 1, so that its circles stay round) gets the largest area
+  // of that shape the room allows, centred in the room. False when the shape
+  // is free or already right.
+  bool keepShape() {
+    const double aspect = plot_.layout.aspect;
+    if (!(aspect > 0) || !std::isfinite(aspect)) return false;
+    const double w = area_.width(), h = area_.height();
+    if (h > w * aspect) {
+      const double cut = (h - w * aspect) / 2;
+      area_.top += cut;
+      area_.bottom -= cut;
+    } else {
+      const double cut = (w - h / aspect) / 2;
+      area_.left += cut;
+      area_.right -= cut;
+    }
+    return true;
   }
 
   void dataArea() {
@@ -692,10 +715,36 @@ class PlotPainter {
   void textElement(const ZW_TEXT& t, const Mapper& map) {
     double px, py;
     if (!map.map(t.X, t.Y, px, py)) return;
-    c_.setFont(std::max(0.5f, t.HEIGHT));
+    double height = std::max(0.5f, t.HEIGHT);
+    c_.setFont(height);
     c_.setColour(t.COLOUR);
     const Align align = t.ALIGN == 2 ? Align::Centre : t.ALIGN == 3 ? Align::Right : Align::Left;
-    c_.text(fixedText(t.TEXT), px, py, align, Baseline::Middle, t.ANGLE);
+    const std::string text = fixedText(t.TEXT);
+    if (t.ANGLE == 0) keepInsideArea(text, height, align, px, py);
+    c_.text(text, px, py, align, Baseline::Middle, t.ANGLE);
+  }
+
+  // Text is clipped to the data area, so a level text anchored inside it
+  // that would run over an edge (a right-aligned label at the edge, any label
+  // on a small page) is moved in, clear of the frame, rather than cut; one
+  // wider than the area is set smaller, as a long title is.
+  void keepInsideArea(const std::string& text, double& height, Align align, double& px, double& py) {
+    if (px < area_.left || px > area_.right || py < area_.top || py > area_.bottom) return;
+    double width = c_.textWidth(text), pad = height * 0.3;
+    if (width > area_.width() - 2 * pad && area_.width() > 2 * pad) {
+      height *= (area_.width() - 2 * pad) / width * 0.98;
+      c_.setFont(height);
+      width = c_.textWidth(text);
+    }
+    double left = align == Align::Centre ? px - width / 2 : align == Align::Right ? px - width : px;
+    const double over = std::max(0.0, left + width - (area_.right - pad));
+    left -= over;
+    px -= over;
+    if (left < area_.left + pad) px += area_.left + pad - left;  // a text wider than the area keeps its start
+    // Cap height above the middle, with room for accents; descenders below.
+    const double above = height * 0.5 + height * 0.25, below = height * 0.5 + height * 0.3;
+    if (py + below > area_.bottom - pad) py = area_.bottom - pad - below;
+    if (py - above < area_.top + pad) py = area_.top + pad + above;
   }
 
   void shading(const PlotSet& set, const Mapper& map, std::size_t n) {

@@ -9,6 +9,8 @@
 //
 // The page is the layout's (pagex x pagey mm with its margins) unless the
 // options give a size. PNG pages are rasterised at the options' dots per inch.
+// A layout with an aspect (height over width) keeps the data area that shape
+// on any page, centred in the room the page leaves.
 #pragma once
 
 #include <memory>

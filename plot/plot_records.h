@@ -118,7 +118,7 @@ Annotation defaultAnnotation();
 
 struct Layout {
   int mono = 0;
-  float aspect = 0.0f;  // 0 = free
+  float aspect = 0.0f;  // the data area's height over its width, the area centred in its room; 0 = free
   int rotate = 0;
   int paper = 4;        // ISO A-size number: 4 = A4
   int fit = 1;

@@ -26,7 +26,8 @@ Vec unitVector(Orientation o) {
 Orientation lineOf(Vec v) {
   if (v[2] < 0) v = {-v[0], -v[1], -v[2]};
   const double horizontal = std::hypot(v[0], v[1]);
-  double trend = deg(std::atan2(v[1], v[0]));
+  // A vertical line has no trend; rounding would give it any. Call it north.
+  double trend = horizontal <= 1e-12 * std::fabs(v[2]) ? 0.0 : deg(std::atan2(v[1], v[0]));
   if (trend < 0) trend += 360.0;
   return {deg(std::atan2(v[2], horizontal)), trend};
 }

@@ -75,6 +75,7 @@ TEST(StereonetGeometry, FisherMeanOfTwoSymmetricLines) {
   ss::FisherMean m;
   ASSERT_TRUE(ss::fisherMean(lines, m).isOk());
   EXPECT_NEAR(m.mean.plunge, 90, 1e-9);
+  EXPECT_EQ(m.mean.trend, 0.0);  // vertical: no trend from rounding noise
   const double r = 2 * std::sin(80 * M_PI / 180);
   EXPECT_NEAR(m.resultant, r, 1e-12);
   EXPECT_NEAR(m.kappa, 1 / (2 - r), 1e-9);
