@@ -129,7 +129,7 @@ Status shown(Status s) {
 
 std::string boxText(const PixelBox& b) { return fmt::format("{},{},{},{}", b.x, b.y, b.width, b.height); }
 
-bool parseBox(std::string_view text, PixelBox& box, std::string& problem) {
+std::vector<std::string_view> commaFields(std::string_view text) {
   std::vector<std::string_view> parts;
   std::size_t start = 0;
   for (;;) {
@@ -138,6 +138,11 @@ bool parseBox(std::string_view text, PixelBox& box, std::string& problem) {
     if (comma == std::string_view::npos) break;
     start = comma + 1;
   }
+  return parts;
+}
+
+bool parseBox(std::string_view text, PixelBox& box, std::string& problem) {
+  const std::vector<std::string_view> parts = commaFields(text);
   if (parts.size() != 4) {
     problem = fmt::format("\"{}\" is not x,y,w,h (four numbers of pixels)", text);
     return false;

@@ -29,6 +29,9 @@ struct PixelBox {
 // "x,y,w,h" as text, for messages.
 std::string boxText(const PixelBox& box);
 
+// The fields of a comma-separated text typed on the command line (no quoting).
+std::vector<std::string_view> commaFields(std::string_view text);
+
 // Reads "x,y,w,h" (blanks allowed around the numbers). Numbers with a
 // fraction are rounded to the nearest pixel. On failure `problem` says why
 // and false is returned.
