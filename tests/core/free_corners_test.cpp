@@ -4,8 +4,14 @@
 // neighbours.
 #include <gtest/gtest.h>
 
+#include <fmt/format.h>
+
 #include "core/core_session.h"
 #include "core/free_corners.h"
+#include "core/image_settings.h"
+#include "core/row_rectangles.h"
+#include "host/messages.h"
+#include "support/temp_dir.h"
 
 namespace subsurf {
 namespace {
@@ -152,6 +158,57 @@ TEST_F(FreeCornerEditing, CopiesCarryTheChoice) {
   CoreSession::copyRectangle(*rectangle, *copy);
   EXPECT_TRUE(copy->polygon.freeCorners);
   EXPECT_EQ(copy->polygon.px, rectangle->polygon.px);
+}
+
+TEST(FreeCornerFiles, JsonAndCsvRowsMayBeCornersBesideBoxes) {
+  subsurf::testing::TempDir dir;
+  host::clearRecorded();
+  std::vector<PixelBox> rows;
+  ASSERT_TRUE(readBoxes(dir.write("rows.json", "[[0,0,400,100], [10,120,390,110,395,190,5,200],"
+                                               " {\"corners\": [[12,210],[392,205],[398,290],[8,296]]}]"),
+                        rows))
+      << host::recordedMessages().back();
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_FALSE(rows[0].corners);
+  ASSERT_TRUE(rows[1].corners);
+  EXPECT_EQ(boxText(rows[1]), "10,120,390,110,395,190,5,200");
+  EXPECT_EQ(fmt::format("{},{},{},{}", rows[1].x, rows[1].y, rows[1].width, rows[1].height), "5,110,390,90");
+  EXPECT_EQ(boxText(rows[2]), "12,210,392,205,398,290,8,296");
+
+  ASSERT_TRUE(readBoxes(dir.write("rows.csv", "x1,y1,x2,y2,x3,y3,x4,y4\n10,120,390,110,395,190,5,200\n0,0,400,100\n"), rows));
+  ASSERT_EQ(rows.size(), 2u);
+  EXPECT_EQ(boxText(rows[0]), "10,120,390,110,395,190,5,200");
+  EXPECT_FALSE(rows[1].corners);
+
+  const std::string seven = dir.write("seven.json", "[[1,2,3,4,5,6,7]]");
+  EXPECT_FALSE(readBoxes(seven, rows));
+  EXPECT_EQ(host::recordedMessages().back(),
+            seven + ": box 1 is not [x, y, w, h] or {\"x\", \"y\", \"width\", \"height\"}: [1,2,3,4,5,6,7]");
+  const std::string pairs = dir.write("pairs.json", "[{\"corners\": [[1,2],[3,4],[5,6]]}]");
+  EXPECT_FALSE(readBoxes(pairs, rows));
+  const std::string five = dir.write("five.csv", "1,2,3,4,5\n");
+  EXPECT_FALSE(readBoxes(five, rows));
+  EXPECT_EQ(host::recordedMessages().back(), five + ", line 1: expected x,y,w,h, found 5 fields: 1,2,3,4,5");
+  EXPECT_EQ(rows.size(), 2u);  // untouched
+}
+
+TEST_F(FreeCornerEditing, RowsSetFromCornersAreFreeCorneredAndCheckedFirst) {
+  RowRectangles rows(session);
+  std::vector<PixelBox> given{{0, 0, 400, 100}, boxOfCorners(corners(10, 120, 390, 110, 395, 190, 5, 200))};
+  ASSERT_TRUE(rows.set(*image, given, 400, 300));
+  ASSERT_EQ(CoreSession::rectangleCount(*image), 2);
+  EXPECT_FALSE(session.rectangleAt(*image, 1)->polygon.freeCorners);
+  EXPECT_TRUE(session.rectangleAt(*image, 2)->polygon.freeCorners);
+  EXPECT_EQ(cornersText(cornersOf(session.rectangleAt(*image, 2)->polygon)), "10,120,390,110,395,190,5,200");
+  EXPECT_EQ(image->intValue(kIntCoreNumber), 2);
+
+  host::clearRecorded();
+  given[1] = boxOfCorners(corners(10, 120, 390, 110, 5, 200, 395, 190));
+  EXPECT_FALSE(rows.set(*image, given, 400, 300));
+  EXPECT_EQ(host::recordedMessages(),
+            std::vector<std::string>{"Rectangle 2 (corners 10,120,390,110,5,200,395,190) crosses itself: side 2-3 "
+                                     "crosses side 4-1"});
+  EXPECT_TRUE(session.rectangleAt(*image, 2)->polygon.freeCorners);  // unchanged
 }
 
 }  // namespace
