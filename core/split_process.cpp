@@ -227,39 +227,48 @@ StreamedRows cutWhileDecoding(const PhotoJob& job, const SplitOptions& options) 
 
 namespace {
 
-// Cuts the part of the photograph under a straightened row, maps it onto the
-// upright row image and writes that. Parts of the quadrilateral off the
-// photograph come out black.
+// Writes a straightened row; parts of the quadrilateral off the photograph
+// come out black.
 Status writeStraightenedRow(const image::Photo& photo, const RowPlan& plan, const image::CutSpec& spec,
                             RowOutcome& ro, RowFormat format, const image::WriteOptions& writeOptions) {
-  image::CutSpec under = spec;
-  under.box = ro.cut;
-  image::Raster piece;
-  Status s = photo.cut(under, piece);
-  if (!s) return s;
-  const std::array<image::PlanePoint, 4> frame{image::PlanePoint{0, 0}, {double(plan.width), 0},
-                                               {double(plan.width), double(plan.height)},
-                                               {0, double(plan.height)}};
-  std::array<image::PlanePoint, 4> inPiece = plan.sourceCorners;
-  for (image::PlanePoint& p : inPiece) {
-    p.x -= ro.cut.left;
-    p.y -= ro.cut.top;
-  }
-  image::Homography toPiece;
-  if (!image::Homography::fromQuads(frame, inPiece, toPiece))
-    return Status::error(fmt::format("{}: the row's corners cannot be straightened", ro.outputName));
-  image::Raster row(plan.width, plan.height);
-  const std::uint8_t black[3] = {0, 0, 0};
-  image::warpPicture(piece.view(), toPiece, row, black);
-  s = image::writeImage(row.view(), ro.outputName, format, writeOptions);
+  image::Raster row;
+  Status s = straightenRow(photo, plan, spec.angleDegrees, 1.0, row);
+  if (s) s = image::writeImage(row.view(), ro.outputName, format, writeOptions);
   if (s) {
-    ro.width = plan.width;
-    ro.height = plan.height;
+    ro.width = row.width();
+    ro.height = row.height();
   }
   return s;
 }
 
 }  // namespace
+
+Status straightenRow(const image::Photo& photo, const RowPlan& plan, double angleDegrees, double scale,
+                     image::Raster& out) {
+  image::CutSpec under;
+  under.box = plan.box.pixelBox();
+  under.angleDegrees = angleDegrees;
+  under.box = photo.clippedBox(under);
+  if (under.box.empty()) return Status::error("the row lies outside the photograph");
+  image::Raster piece;
+  Status s = photo.cut(under, piece);
+  if (!s) return s;
+  const double width = std::max(1.0, std::round(plan.width * scale));
+  const double height = std::max(1.0, std::round(plan.height * scale));
+  const std::array<image::PlanePoint, 4> frame{image::PlanePoint{0, 0}, {width, 0}, {width, height}, {0, height}};
+  std::array<image::PlanePoint, 4> inPiece = plan.sourceCorners;
+  for (image::PlanePoint& p : inPiece) {
+    p.x -= under.box.left;
+    p.y -= under.box.top;
+  }
+  image::Homography toPiece;
+  if (!image::Homography::fromQuads(frame, inPiece, toPiece))
+    return Status::error("the row's corners cannot be straightened");
+  out = image::Raster(static_cast<int>(width), static_cast<int>(height));
+  const std::uint8_t black[3] = {0, 0, 0};
+  image::warpPicture(piece.view(), toPiece, out, black);
+  return Status::ok();
+}
 
 PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
   PhotoOutcome out;

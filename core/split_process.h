@@ -25,6 +25,7 @@
 #include "core/split_geometry.h"
 #include "core/split_naming.h"
 #include "core/split_report.h"
+#include "host/image/photo.h"
 #include "host/image/projective.h"
 #include "host/status.h"
 
@@ -176,6 +177,13 @@ struct RowPlan {
 };
 RowPlan planRow(const PhotoJob& job, const RowJob& row, const SplitOptions& options, int photoWidth,
                 int photoHeight);
+
+// The row image of a straightened row (plan.straightened), `scale` times its
+// size (at least a pixel each way): the part of the photograph (turned by
+// angleDegrees) under the quadrilateral, mapped onto the upright rectangle
+// and sampled bilinearly; parts off the photograph are black.
+Status straightenRow(const image::Photo& photo, const RowPlan& plan, double angleDegrees, double scale,
+                     image::Raster& out);
 
 // Cuts one photograph (see the file comment). Never touches the session.
 PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options);
