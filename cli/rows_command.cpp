@@ -131,7 +131,7 @@ int runRows(const RowsOptions& o) {
 
 void addRowsCommand(CLI::App& app, int& exitCode) {
   auto o = std::make_shared<RowsOptions>();
-  CLI::App* rows = app.add_subcommand("rows", "Set one photograph's row rectangles (pixel boxes x,y,w,h) and save");
+  CLI::App* rows = app.add_subcommand("rows", "Set one photograph's row rectangles (pixel boxes x,y,w,h, or four free corners) and save");
   rows->add_option("session", o->session, "Session file")->required();
   rows->add_option("--image", o->image, "Place of the image (from 1)")->required();
   auto* set = rows->add_option("--set", o->boxes, "A row: x,y,w,h in pixels of the upright photo (repeat, top row first)")

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "core/image_settings.h"
 #include "host/image/image_writer.h"
 #include "host/image/photo.h"
 #include "host/image/raster.h"
@@ -183,10 +184,26 @@ TEST_F(RowsCommand, RefusedCornersLeaveTheSessionFileAsItWas) {
        "slabber: Image 1 has 5 rows; there is no row 6\n"},
       {{"--image", "1", "--row", "2"}, "slabber: give the row's outline with --corners x1,y1,x2,y2,x3,y3,x4,y4 or --square\n"},
   });
+  EXPECT_EQ(TempDir::read(dir.file("s.slbs")), before);
+  // Rows drawn on the photo shown at another size: one row alone cannot be
+  // given in the photo's own pixels among them.
+  {
+    CoreSession session;
+    SessionOptions options;
+    ASSERT_TRUE(readSession(session, options, dir.file("s.slbs")));
+    setInteger(session.imageAt(2)->intSetting(kIntPixelWidth), 200);
+    setInteger(session.imageAt(2)->intSetting(kIntPixelHeight), 150);
+    ASSERT_TRUE(saveSession(session, options, dir.file("s.slbs")));
+  }
+  const std::string shown = TempDir::read(dir.file("s.slbs"));
+  expectRefused({{{"--image", "2", "--row", "1", "--corners", "30,70,380,55,390,118,20,122"},
+                  "slabber: The rows of image 2 were drawn on the photo shown at another size; give all its rows "
+                  "with --set or --from\n"}});
+  EXPECT_EQ(TempDir::read(dir.file("s.slbs")), shown);
   // --corners needs --row, and --row does not go with --set.
   EXPECT_NE(slabber({"rows", "s.slbs", "--image", "1", "--corners", "30,70,380,55,390,118,20,122"}).status, 0);
   EXPECT_NE(slabber({"rows", "s.slbs", "--image", "1", "--row", "1", "--set", "0,0,10,10", "--square"}).status, 0);
-  EXPECT_EQ(TempDir::read(dir.file("s.slbs")), before);
+  EXPECT_EQ(TempDir::read(dir.file("s.slbs")), shown);
 }
 
 }  // namespace
