@@ -112,8 +112,10 @@ double sideLength(image::PlanePoint a, image::PlanePoint b) { return std::hypot(
 // The straightened row of a free-cornered outline (see RowPlan).
 void planStraightenedRow(const PhotoJob& job, const RowJob& row, const SizeFactors& factors, RowPlan& plan) {
   std::array<image::PlanePoint, 4> q;
-  for (std::size_t i = 0; i < 4; ++i)
+  for (std::size_t i = 0; i < 4; ++i) {
     q[i] = {row.vertices[i].x * static_cast<double>(factors.x), row.vertices[i].y * static_cast<double>(factors.y)};
+    if (!std::isfinite(q[i].x) || !std::isfinite(q[i].y)) return;  // no plan: nothing sensible to cut
+  }
   const double wide = std::max(sideLength(q[0], q[1]), sideLength(q[3], q[2]));
   const double high = std::max(sideLength(q[1], q[2]), sideLength(q[0], q[3]));
   const RowBox upright{0, 0, std::max(1, static_cast<int>(std::lround(wide))),
@@ -141,6 +143,7 @@ void planStraightenedRow(const PhotoJob& job, const RowJob& row, const SizeFacto
     top = std::min(top, p.y), bottom = std::max(bottom, p.y);
   }
   const auto held = [](double v) {
+    if (!std::isfinite(v)) return v > 0 ? kCoordinateLimit : -kCoordinateLimit;
     return static_cast<int>(std::clamp(v, -double(kCoordinateLimit), double(kCoordinateLimit)));
   };
   // One pixel more each way, for the bilinear samples at the edges.
