@@ -135,6 +135,17 @@ TEST_F(FreeCornersFileTest, MissingOrCrossedCornerRowsAreRefusedNamingTheLine) {
                         "convex outline",
                         path, verts + 1));
   EXPECT_EQ(read.imageAt(1)->sourceFile(), "/work/mine.jpg");
+
+  // Absurd values (a damaged file) are refused the same way, without overflow.
+  auto absurd = lines;
+  absurd[second + 10] = "corner2_x,1,2147483647,-1,0";
+  absurd[second + 11] = "corner2_y,1,-2147483647,-1,0";
+  rewrite(absurd);
+  EXPECT_FALSE(readSession(read, options, path));
+  EXPECT_EQ(lastMessage(),
+            fmt::format("{}, line {}: rectangle 2: the free corners 110,310,2147483647,-2147483647,1130,610,90,590 do "
+                        "not form a convex outline",
+                        path, verts + 1));
 }
 
 TEST_F(FreeCornersFileTest, TemplatesKeepFreeCorners) {
