@@ -17,6 +17,7 @@
 #include "core/core_session.h"
 #include "core/depth_sources.h"
 #include "core/depth_table.h"
+#include "core/free_corners.h"
 #include "core/image_settings.h"
 #include "core/name_depths.h"
 #include "core/output_guard.h"
@@ -258,8 +259,18 @@ int showJson(CoreSession& session, const ShowOptions& o) {
   for (CoreImage* image : session.images()) {
     nlohmann::ordered_json rows = nlohmann::ordered_json::array();
     int row = 0;
-    for (const RowDepths& d : session.rowDepths(*image))
-      rows.push_back({{"row", ++row}, {"top", depthJson(d.top)}, {"base", depthJson(d.base)}});
+    for (const RowDepths& d : session.rowDepths(*image)) {
+      ++row;
+      nlohmann::ordered_json entry = {{"row", row}, {"top", depthJson(d.top)}, {"base", depthJson(d.base)}};
+      if (const CoreRectangle* r = session.rectangleAt(*image, row)) {
+        entry["outline"] = r->polygon.freeCorners ? "free corners" : "rectangle";
+        nlohmann::ordered_json corners = nlohmann::ordered_json::array();
+        for (std::size_t i = 0; i < static_cast<std::size_t>(r->polygon.n) && i < r->polygon.px.size(); ++i)
+          corners.push_back({r->polygon.px[i], r->polygon.py[i]});
+        entry["corners"] = corners;
+      }
+      rows.push_back(entry);
+    }
     const int cores = image->intValue(kIntCoreNumber);
     images.push_back({{"place", ++place},
                       {"file", fileNameOf(image->sourceFile())},
@@ -309,7 +320,10 @@ int runShow(const ShowOptions& o) {
     int row = 0;
     for (const RowDepths& d : session.rowDepths(*image)) {
       ++row;
-      std::printf("     row %2d: %s - %s\n", row, depthText(d.top).c_str(), depthText(d.base).c_str());
+      const CoreRectangle* r = session.rectangleAt(*image, row);
+      const std::string outline =
+          r && r->polygon.freeCorners ? "  free corners " + cornersText(cornersOf(r->polygon)) : std::string();
+      std::printf("     row %2d: %s - %s%s\n", row, depthText(d.top).c_str(), depthText(d.base).c_str(), outline.c_str());
     }
   }
   return kExitOk;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -453,6 +454,9 @@ std::string intervalLabel(float top, float base, int precisionOption) {
   return trimBlanks(split::fixedField(top, 0, decimals)) + "-" + trimBlanks(split::fixedField(base, 0, decimals));
 }
 
+// Straightened rows are drawn beside the preview from copies at most this wide.
+constexpr double kStraightenedPreviewWidth = 800.0;
+
 int runPreview(const PreviewArgs& args) {
   if (args.maxMegapixels > 0.0) image::setMaxMegapixels(args.maxMegapixels);
   split::SplitOptions options;
@@ -484,8 +488,41 @@ int runPreview(const PreviewArgs& args) {
       continue;
     }
     std::vector<drawing::PreviewOutline> outlines;
+    previewOptions.straightenedRows.clear();
+    image::Photo photo;  // decoded only for rows to straighten
+    bool photoTried = false;
     for (const auto& row : job.rows) {
       const split::RowPlan plan = split::planRow(job, row, options, size.width, size.height);
+      if (row.freeCorners) {
+        // Drawn as it is, and straightened beside the photo when it is cut.
+        const split::SizeFactors f =
+            split::sizeFactors(size.width, size.height, job.shownWidth, job.shownHeight, job.displayReduction);
+        std::vector<split::PixelPoint> corners;
+        for (const split::PixelPoint& p : row.vertices)
+          corners.push_back({static_cast<int>(std::lround(p.x * f.x)), static_cast<int>(std::lround(p.y * f.y))});
+        drawing::PreviewOutline outline;
+        outline.index = row.number;
+        outline.label = plan.usable ? intervalLabel(row.top, row.base, options.naming.precisionOption)
+                        : isNoValue(row.top) || isNoValue(row.base)
+                            ? fmt::format("Core {}: no depths", row.number)
+                            : intervalLabel(row.top, row.base, options.naming.precisionOption) + " (not cut)";
+        for (const split::PixelPoint& p : split::cutPoints(corners, job.angleDegrees, size.width, size.height))
+          outline.points.push_back({double(p.x), double(p.y)});
+        if (plan.usable && !photoTried) {
+          photoTried = true;
+          image::Photo::load(job.photoPath, photo);  // shows "Error loading: ..." itself
+        }
+        if (plan.usable && photo.loaded()) {
+          drawing::PreviewRowImage straightened;
+          straightened.index = row.number;
+          straightened.label = outline.label;
+          const double scale = std::min(1.0, kStraightenedPreviewWidth / std::max(1, plan.width));
+          if (split::straightenRow(photo, plan, job.angleDegrees, scale, straightened.pixels))
+            previewOptions.straightenedRows.push_back(std::move(straightened));
+        }
+        outlines.push_back(std::move(outline));
+        continue;
+      }
       split::RowBox box = plan.box;
       std::string label = intervalLabel(row.top, row.base, options.naming.precisionOption);
       if (!plan.usable) {
@@ -512,7 +549,9 @@ int runPreview(const PreviewArgs& args) {
     std::string stub = split::fileStub(job.photoPath);
     if (stubs[stub] > 1) stub += fmt::format("_{}", ri.place);
     const std::string png = split::joinFolder(folder, stub + "_preview.png");
-    if (drawing::drawPreview(job.photoPath, outlines, png, previewOptions)) {
+    const Status drawn = photo.loaded() ? drawing::drawPreview(photo, outlines, png, previewOptions)
+                                        : drawing::drawPreview(job.photoPath, outlines, png, previewOptions);
+    if (drawn) {
       ++written;
       std::printf("%s\n", png.c_str());
     } else {

@@ -115,6 +115,10 @@ struct Polygon {
   // "Components", "Type", "Area Sign (+ve/-ve)", "Colour", "Thickness". They
   // are the rectangle's integer settings in session and template files.
   std::array<DT_ISCA, 6> props{};
+  // The outline is four free corners (core/free_corners.h) rather than a
+  // rectangle whose corners share coordinates: corners move one at a time and
+  // the split straightens the quadrilateral.
+  bool freeCorners = false;
 };
 
 enum PolygonProperty : int {
@@ -308,9 +312,11 @@ class CoreSession {
   // Recomputes every world coordinate from the pixels and the current view.
   void updateWorld(CoreRectangle& rectangle) const;
   // Drags corner `vertex` of a four-cornered rectangle to (px, py): its two
-  // neighbours take over the coordinate they share with it. Returns 1 (and
-  // changes nothing) when the rectangle has not four vertices or the index is
-  // outside 1..4.
+  // neighbours take over the coordinate they share with it. A free-cornered
+  // rectangle moves that corner alone, and refuses a move that would leave
+  // its outline not convex. Returns 1 (and changes nothing) when the
+  // rectangle has not four vertices, the index is outside 1..4, or a free
+  // corner's move is refused.
   int moveCorner(CoreRectangle& rectangle, int vertex, int px, int py) const;
 
   // --- Selection stack, view, tasks -----------------------------------------

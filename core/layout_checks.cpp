@@ -17,6 +17,45 @@ bool stackedAsBands(const std::vector<NumberedBox>& boxes) {
   return wide >= 0;
 }
 
+// The outline of a row as a convex polygon: its free corners, or its box.
+std::vector<PixelPoint> outlineOf(const NumberedBox& n) {
+  if (!n.corners.empty()) return n.corners;
+  const RowBox& b = n.box;
+  return {{b.left, b.top}, {b.right, b.top}, {b.right, b.bottom}, {b.left, b.bottom}};
+}
+
+// Whether some side of `a` has all of `b` on its outer side (touching counts
+// as outside): then the two convex outlines do not overlap.
+bool separatedBySideOf(const std::vector<PixelPoint>& a, const std::vector<PixelPoint>& b) {
+  // The turn of a's own corners tells which side is inside.
+  long long area = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    const PixelPoint& p = a[i];
+    const PixelPoint& q = a[(i + 1) % a.size()];
+    area += static_cast<long long>(p.x) * q.y - static_cast<long long>(q.x) * p.y;
+  }
+  const int inside = area >= 0 ? 1 : -1;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    const PixelPoint& p = a[i];
+    const PixelPoint& q = a[(i + 1) % a.size()];
+    bool allOutside = true;
+    for (const PixelPoint& r : b) {
+      const long long cross = static_cast<long long>(q.x - p.x) * (r.y - p.y) - static_cast<long long>(q.y - p.y) * (r.x - p.x);
+      if (cross * inside > 0) {
+        allOutside = false;
+        break;
+      }
+    }
+    if (allOutside) return true;
+  }
+  return false;
+}
+
+bool outlinesOverlap(const NumberedBox& a, const NumberedBox& b) {
+  const std::vector<PixelPoint> pa = outlineOf(a), pb = outlineOf(b);
+  return !separatedBySideOf(pa, pb) && !separatedBySideOf(pb, pa);
+}
+
 }  // namespace
 
 std::vector<NumberedBox> rowBoxes(const PhotoJob& job, int photoWidth, int photoHeight) {
@@ -28,7 +67,12 @@ std::vector<NumberedBox> rowBoxes(const PhotoJob& job, int photoWidth, int photo
   for (const RowJob& row : job.rows) {
     const RowBox drawn = boundingBox(row.vertices);
     if (drawn.empty()) continue;
-    boxes.push_back({row.number, scaled ? scaleBox(drawn, f) : drawn});
+    NumberedBox n{row.number, scaled ? scaleBox(drawn, f) : drawn, {}};
+    if (row.freeCorners)
+      for (const PixelPoint& p : row.vertices)
+        n.corners.push_back(scaled ? PixelPoint{static_cast<int>(std::lround(p.x * f.x)), static_cast<int>(std::lround(p.y * f.y))}
+                                   : p);
+    boxes.push_back(std::move(n));
   }
   return boxes;
 }
@@ -38,6 +82,11 @@ std::vector<std::string> layoutWarnings(const std::string& photoName, const std:
   std::vector<std::string> warnings;
   for (std::size_t i = 0; i < boxes.size(); ++i) {
     for (std::size_t j = i + 1; j < boxes.size(); ++j) {
+      if (!boxes[i].corners.empty() || !boxes[j].corners.empty()) {
+        if (outlinesOverlap(boxes[i], boxes[j]))
+          warnings.push_back(fmt::format("{}: rows {} and {} overlap", photoName, boxes[i].number, boxes[j].number));
+        continue;
+      }
       const RowBox& a = boxes[i].box;
       const RowBox& b = boxes[j].box;
       const int w = std::min(a.right, b.right) - std::max(a.left, b.left);
@@ -73,8 +122,12 @@ std::vector<std::string> layoutWarnings(const std::string& photoName, const std:
 }
 
 std::vector<PixelPoint> cutOutline(const RowBox& box, double angleDegrees, int photoWidth, int photoHeight) {
-  const std::vector<PixelPoint> corners = {
-      {box.left, box.top}, {box.right, box.top}, {box.right, box.bottom}, {box.left, box.bottom}};
+  return cutPoints({{box.left, box.top}, {box.right, box.top}, {box.right, box.bottom}, {box.left, box.bottom}},
+                   angleDegrees, photoWidth, photoHeight);
+}
+
+std::vector<PixelPoint> cutPoints(const std::vector<PixelPoint>& corners, double angleDegrees, int photoWidth,
+                                  int photoHeight) {
   const double angle = std::fmod(angleDegrees, 360.0);
   if (!std::isfinite(angle) || angle == 0.0) return corners;
   // The cut turns the picture by M about its centre and takes the box from

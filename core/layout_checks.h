@@ -17,6 +17,10 @@ namespace subsurf::split {
 struct NumberedBox {
   int number = 0;  // the row, from 1, in list order
   RowBox box;
+  // A free-cornered row's four corners (empty for an upright rectangle): on a
+  // photo taken at an angle the boxes round such rows overlap where the rows
+  // themselves do not, so their overlap is judged from the corners.
+  std::vector<PixelPoint> corners{};
 };
 
 // The rows' rectangles as drawn, scaled to a photograph of photoWidth x
@@ -34,5 +38,10 @@ std::vector<std::string> layoutWarnings(const std::string& photoName, const std:
 // the photograph turned by angleDegrees about its centre (the box itself
 // when the angle is 0).
 std::vector<PixelPoint> cutOutline(const RowBox& box, double angleDegrees, int photoWidth, int photoHeight);
+
+// The same for any points of the turned photograph (a straightened row's
+// corners): where they lie on the upright photograph.
+std::vector<PixelPoint> cutPoints(const std::vector<PixelPoint>& points, double angleDegrees, int photoWidth,
+                                  int photoHeight);
 
 }  // namespace subsurf::split

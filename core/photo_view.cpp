@@ -1,5 +1,7 @@
 #include "core/photo_view.h"
 
+#include "core/free_corners.h"
+
 #include <cmath>
 
 namespace subsurf {
@@ -173,6 +175,16 @@ void sharedCoords(int vertex, int& first, int& second) {
 int CoreSession::moveCorner(CoreRectangle& rectangle, int vertex, int px, int py) const {
   Polygon& poly = rectangle.polygon;
   if (poly.n != 4 || vertex < 1 || vertex > 4) return 1;
+  if (poly.freeCorners) {
+    Polygon moved = poly;
+    moved.px[vertex - 1] = px;
+    moved.py[vertex - 1] = py;
+    if (!isConvexQuadrilateral(moved)) return 1;
+    poly.px[vertex - 1] = px;
+    poly.py[vertex - 1] = py;
+    updateWorld(rectangle);
+    return 0;
+  }
   int first = 0, second = 0;
   sharedCoords(vertex, first, second);
   const int oldX = poly.px[vertex - 1], oldY = poly.py[vertex - 1];

@@ -44,8 +44,34 @@ bool pixelValue(std::string_view text, int& out) {
   return ec == std::errc() && end == t.data() + t.size() && pixelValue(v, out);
 }
 
+// Corners as [x1, y1, ..., x4, y4] or [[x1, y1], ..., [x4, y4]].
+bool cornersFromJson(const nlohmann::json& e, PixelBox& box) {
+  std::vector<double> values;
+  for (const nlohmann::json& v : e) {
+    if (v.is_array()) {
+      if (v.size() != 2) return false;
+      for (const nlohmann::json& w : v) {
+        if (!w.is_number()) return false;
+        values.push_back(w.get<double>());
+      }
+    } else if (v.is_number()) {
+      values.push_back(v.get<double>());
+    } else {
+      return false;
+    }
+  }
+  if (values.size() != 8) return false;
+  FreeCorners c;
+  for (std::size_t i = 0; i < 8; ++i)
+    if (!cornerValue(values[i], (i % 2 == 0 ? c.x : c.y)[i / 2])) return false;
+  box = boxOfCorners(c);
+  return true;
+}
+
 bool boxFromJson(const nlohmann::json& e, PixelBox& box) {
   int v[4];
+  if (e.is_array() && e.size() == 8) return cornersFromJson(e, box);
+  if (e.is_object() && e.contains("corners")) return e["corners"].is_array() && cornersFromJson(e["corners"], box);
   if (e.is_array()) {
     if (e.size() != 4) return false;
     for (int i = 0; i < 4; ++i)
@@ -94,16 +120,20 @@ Status readCsvBoxes(const std::string& path, const std::string& text, std::vecto
     const std::string t = trimmed(line);
     if (t.empty() || t[0] == '#') continue;
     const CsvRow row = CsvRow::parse(t);
-    if (out.empty() && lineNumber == 1 && row.size() >= 1 && trimmed(row.field(1)) == "x") continue;  // names
-    if (row.size() != 4)
+    const std::string first = row.size() >= 1 ? trimmed(row.field(1)) : std::string();
+    if (out.empty() && lineNumber == 1 && (first == "x" || first == "x1")) continue;  // names
+    if (row.size() != 4 && row.size() != 8)
       return Status::error(fmt::format("{}, line {}: expected x,y,w,h, found {} field{}: {}", path, lineNumber,
                                          row.size(), row.size() == 1 ? "" : "s", t));
-    int v[4];
-    for (int i = 0; i < 4; ++i)
-      if (!pixelValue(row.field(i + 1), v[i]))
+    int v[8];
+    for (std::size_t i = 0; i < row.size(); ++i)
+      if (!pixelValue(row.field(static_cast<int>(i) + 1), v[i]))
         return Status::error(fmt::format("{}, line {}: \"{}\" is not a number of pixels", path, lineNumber,
-                                           row.field(i + 1)));
-    out.push_back({v[0], v[1], v[2], v[3]});
+                                           row.field(static_cast<int>(i) + 1)));
+    if (row.size() == 8)
+      out.push_back(boxOfCorners(FreeCorners{{v[0], v[2], v[4], v[6]}, {v[1], v[3], v[5], v[7]}}));
+    else
+      out.push_back({v[0], v[1], v[2], v[3]});
   }
   return Status::ok();
 }
@@ -127,9 +157,20 @@ Status shown(Status s) {
 
 }  // namespace
 
-std::string boxText(const PixelBox& b) { return fmt::format("{},{},{},{}", b.x, b.y, b.width, b.height); }
+std::string boxText(const PixelBox& b) {
+  if (b.corners) return cornersText(*b.corners);
+  return fmt::format("{},{},{},{}", b.x, b.y, b.width, b.height);
+}
 
-bool parseBox(std::string_view text, PixelBox& box, std::string& problem) {
+PixelBox boxOfCorners(const FreeCorners& c) {
+  const auto [left, right] = std::minmax_element(c.x.begin(), c.x.end());
+  const auto [top, bottom] = std::minmax_element(c.y.begin(), c.y.end());
+  PixelBox box(*left, *top, *right - *left, *bottom - *top);
+  box.corners = c;
+  return box;
+}
+
+std::vector<std::string_view> commaFields(std::string_view text) {
   std::vector<std::string_view> parts;
   std::size_t start = 0;
   for (;;) {
@@ -138,6 +179,11 @@ bool parseBox(std::string_view text, PixelBox& box, std::string& problem) {
     if (comma == std::string_view::npos) break;
     start = comma + 1;
   }
+  return parts;
+}
+
+bool parseBox(std::string_view text, PixelBox& box, std::string& problem) {
+  const std::vector<std::string_view> parts = commaFields(text);
   if (parts.size() != 4) {
     problem = fmt::format("\"{}\" is not x,y,w,h (four numbers of pixels)", text);
     return false;
@@ -175,6 +221,7 @@ Status readBoxes(const std::string& path, std::vector<PixelBox>& boxes) {
 }
 
 std::string boxProblem(const PixelBox& b, int number, int width, int height) {
+  if (b.corners) return cornersProblem(*b.corners, number, width, height);
   if (b.width < 1 || b.height < 1)
     return fmt::format("Rectangle {} ({}) has no {}", number, boxText(b), b.width < 1 ? "width" : "height");
   const long long right = static_cast<long long>(b.x) + b.width;
@@ -199,6 +246,10 @@ Status RowRectangles::set(CoreImage& image, const std::vector<PixelBox>& boxes, 
   while (CoreRectangle* first = image.rectangles) session_.deleteRectangleById(image, first->id);
   for (const PixelBox& b : boxes) {
     CoreRectangle* r = session_.newRectangle(image);
+    if (b.corners) {
+      setFreeCorners(session_, *r, *b.corners);
+      continue;
+    }
     CoreSession::setVertexCount(*r, 4);
     const int xs[4] = {b.x, b.x + b.width, b.x + b.width, b.x};
     const int ys[4] = {b.y, b.y, b.y + b.height, b.y + b.height};

@@ -13,21 +13,35 @@
 // read from a file, the file and line.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/core_session.h"
+#include "core/free_corners.h"
 #include "host/status.h"
 
 namespace subsurf {
 
+// A row given from outside: an upright box, or four free corners (a row of a
+// tray photographed at an angle), in which case x, y, width and height are
+// the box round the corners.
 struct PixelBox {
+  PixelBox() = default;
+  PixelBox(int left, int top, int w, int h) : x(left), y(top), width(w), height(h) {}
   int x = 0, y = 0, width = 0, height = 0;
+  std::optional<FreeCorners> corners;
 };
 
-// "x,y,w,h" as text, for messages.
+// The row as four free corners (the box round them as x, y, width, height).
+PixelBox boxOfCorners(const FreeCorners& corners);
+
+// "x,y,w,h" (or the corners "x1,y1,...,x4,y4") as text, for messages.
 std::string boxText(const PixelBox& box);
+
+// The fields of a comma-separated text typed on the command line (no quoting).
+std::vector<std::string_view> commaFields(std::string_view text);
 
 // Reads "x,y,w,h" (blanks allowed around the numbers). Numbers with a
 // fraction are rounded to the nearest pixel. On failure `problem` says why
@@ -38,15 +52,18 @@ bool parseBox(std::string_view text, PixelBox& box, std::string& problem);
 //   *.json  an array whose elements are [x, y, w, h] arrays or objects with
 //           "x", "y", "width" and "height" (also "w" and "h"); an object
 //           holding such an array under "rows" or "rectangles" also reads;
-//   *.csv   one box per line "x,y,w,h"; blank lines, lines starting with "#"
-//           and a first line of names ("x,y,w,h" or "x,y,width,height") are
-//           skipped.
+//           a row with free corners is [x1, y1, x2, y2, x3, y3, x4, y4] or
+//           {"corners": [[x1, y1], [x2, y2], [x3, y3], [x4, y4]]};
+//   *.csv   one box per line "x,y,w,h", or corners "x1,y1,x2,y2,x3,y3,x4,y4";
+//           blank lines, lines starting with "#" and a first line of names
+//           (starting "x," or "x1,") are skipped.
 // Failures name the file and the line or element at fault and are shown
 // (host::showMessage); `boxes` is left alone then.
 Status readBoxes(const std::string& path, std::vector<PixelBox>& boxes);
 
 // Why a box cannot be a row of a width x height photograph ("" when it can).
-// `number` counts the boxes from 1 for the message.
+// `number` counts the boxes from 1 for the message. Corners are checked as
+// cornersProblem does.
 std::string boxProblem(const PixelBox& box, int number, int width, int height);
 
 // Replaces the image's rectangles with the boxes, drawn on a photograph of

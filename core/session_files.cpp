@@ -12,6 +12,7 @@
 
 #include <fmt/format.h>
 
+#include "core/free_corners.h"
 #include "core/image_settings.h"
 #include "core/session_copy.h"
 #include "core/split_process.h"
@@ -251,10 +252,42 @@ CsvRow renamedRealRow(const DT_RSCA& rec, std::string_view key) {
 // ---------------------------------------------------------------------------
 // Rectangles: "poly num", "integer scalars", "verts" (session and template files).
 
-void writeRectangle(KeywordFileWriter& out, int number, const Polygon& poly) {
+// A free-cornered outline (core/free_corners.h) is saved so that a reader
+// that does not know free corners still reads a sound rectangle: "verts"
+// holds the upright box round the corners, and the corners themselves follow
+// the display settings as eight more integer rows of the rectangle's
+// "integer scalars" block, which such a reader checks and passes over.
+std::string cornerKey(int corner, char axis) { return fmt::format("corner{}_{}", corner, axis); }
+
+void writeRectangle(KeywordFileWriter& out, int number, const Polygon& written) {
+  const bool free = written.freeCorners && isConvexQuadrilateral(written) && written.wx.size() >= 4 &&
+                    written.wy.size() >= 4 && written.wxSet.size() >= 4 && written.wySet.size() >= 4;
+  const int cornerRows = free ? 8 : 0;
   out.writeRow(CsvRow().addText(kPolyNum).addInt(number));
-  out.writeRow(CsvRow().addText(kIntegerScalars).addInt(static_cast<int>(poly.props.size())));
-  for (const DT_ISCA& p : poly.props) out.writeRow(integerRow(p));
+  out.writeRow(CsvRow().addText(kIntegerScalars).addInt(static_cast<int>(written.props.size()) + cornerRows));
+  for (const DT_ISCA& p : written.props) out.writeRow(integerRow(p));
+  Polygon boxed;
+  if (free) {
+    const FreeCorners corners = cornersOf(written);
+    for (int i = 0; i < 4; ++i) {
+      out.writeRow(plainIntegerRow(cornerKey(i + 1, 'x'), corners.x[static_cast<std::size_t>(i)]));
+      out.writeRow(plainIntegerRow(cornerKey(i + 1, 'y'), corners.y[static_cast<std::size_t>(i)]));
+    }
+    const auto [left, right] = std::minmax_element(corners.x.begin(), corners.x.end());
+    const auto [top, bottom] = std::minmax_element(corners.y.begin(), corners.y.end());
+    boxed.n = 4;
+    boxed.px = {*left, *right, *right, *left};
+    boxed.py = {*top, *top, *bottom, *bottom};
+    // The box's world coordinates are those of the corners that reach its
+    // sides (world coordinates are pixels times the view's scale).
+    const auto at = [](auto it, const auto& from) { return static_cast<std::size_t>(it - from.begin()); };
+    const std::size_t l = at(left, corners.x), r = at(right, corners.x), t = at(top, corners.y), b = at(bottom, corners.y);
+    boxed.wx = {written.wx[l], written.wx[r], written.wx[r], written.wx[l]};
+    boxed.wxSet = {written.wxSet[l], written.wxSet[r], written.wxSet[r], written.wxSet[l]};
+    boxed.wy = {written.wy[t], written.wy[t], written.wy[b], written.wy[b]};
+    boxed.wySet = {written.wySet[t], written.wySet[t], written.wySet[b], written.wySet[b]};
+  }
+  const Polygon& poly = free ? boxed : written;
   // "verts": the count, then per vertex pixel x, pixel y, world x, world y;
   // a world coordinate that was never set is left empty.
   CsvRow verts;
@@ -346,16 +379,94 @@ Status readVerts(RecordReader& in, Polygon& poly) {
   return Status::ok();
 }
 
+// The rectangle's "integer scalars" block: the display settings in order,
+// then rows passed over, among which the free corners are picked out by key.
+Status readRectangleIntegers(RecordReader& in, Polygon& poly, FreeCorners& corners, int& cornersFound) {
+  CsvRow row;
+  Status s = in.expect(kIntegerScalars, row);
+  if (!s) return s;
+  const int known = static_cast<int>(poly.props.size());
+  int count = known;
+  if (!row.field(2).empty()) {
+    s = in.count(row, kMaxScalarRows, count);
+    if (!s) return s;
+  }
+  cornersFound = 0;
+  std::array<bool, 8> seen{};
+  for (int k = 0; k < count; ++k) {
+    CsvRow next;
+    s = in.next(next, "an integer scalar");
+    if (!s) return s;
+    DT_ISCA scratch;
+    const int inull = kIntNull;
+    DT_ISCADFLT(&scratch, &inull, &inull, &inull);
+    DT_ISCA& target = k < known ? poly.props[static_cast<std::size_t>(k)] : scratch;
+    const RowRead r = readIntegerRow(next, target);
+    if (r.status == RowRead::kWrongKind)
+      return in.fail(fmt::format("integer scalar {} of {} expected, found \"{}\"", k + 1, count, rowKey(next)));
+    if (!r.ok()) return in.fail(r.message);
+    if (k < known) continue;
+    const std::string key = rowKey(next);
+    for (int c = 0; c < 8; ++c) {
+      if (key != cornerKey(c / 2 + 1, c % 2 == 0 ? 'x' : 'y')) continue;
+      (c % 2 == 0 ? corners.x : corners.y)[static_cast<std::size_t>(c / 2)] = scratch.V;
+      if (!seen[static_cast<std::size_t>(c)]) ++cornersFound;
+      seen[static_cast<std::size_t>(c)] = true;
+    }
+  }
+  return Status::ok();
+}
+
 // One rectangle's records; `number` is its place, which "poly num" must give.
 Status readRectangle(RecordReader& in, int number, Polygon& poly) {
   int given = 0;
   Status s = in.keywordInteger(kPolyNum, given);
   if (!s) return s;
   if (given != number) return in.fail(fmt::format("rectangle {} expected, \"poly num\" gives {}", number, given));
-  s = readIntegerBlock(in, static_cast<int>(poly.props.size()), poly.props.data(),
-                       static_cast<int>(poly.props.size()));
-  if (!s) return s;
-  return readVerts(in, poly);
+  FreeCorners corners;
+  int cornersFound = 0;
+  s = readRectangleIntegers(in, poly, corners, cornersFound);
+  if (s) s = readVerts(in, poly);
+  if (!s || cornersFound == 0) return s;
+  if (poly.n != 4)
+    return in.fail(fmt::format("rectangle {} has free corners but {} vertices", number, poly.n));
+  if (cornersFound != 8)
+    return in.fail(fmt::format("rectangle {} has {} of the 8 rows of its free corners", number, cornersFound));
+  CoreRectangle holder;
+  CoreSession::setVertexCount(holder, 4);
+  for (std::size_t i = 0; i < 4; ++i) {
+    holder.polygon.px[i] = corners.x[i];
+    holder.polygon.py[i] = corners.y[i];
+  }
+  if (!isConvexQuadrilateral(holder.polygon))
+    return in.fail(
+        fmt::format("rectangle {}: the free corners {} do not form a convex outline", number, cornersText(corners)));
+  // The corners' world coordinates follow from the box's: pixels times the
+  // view's scale, read off the box's sides.
+  Polygon& q = holder.polygon;
+  const auto world = [](int pixel, int lo, int hi, float wlo, float whi) {
+    if (hi == lo) return wlo;
+    return wlo + static_cast<float>(pixel - lo) * (whi - wlo) / static_cast<float>(hi - lo);
+  };
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (poly.wxSet[0] && poly.wxSet[1]) {
+      q.wx[i] = world(q.px[i], poly.px[0], poly.px[1], poly.wx[0], poly.wx[1]);
+      q.wxSet[i] = 1;
+    }
+    if (poly.wySet[1] && poly.wySet[2]) {
+      q.wy[i] = world(q.py[i], poly.py[1], poly.py[2], poly.wy[1], poly.wy[2]);
+      q.wySet[i] = 1;
+    }
+  }
+  poly.n = 4;
+  poly.px = std::move(holder.polygon.px);
+  poly.py = std::move(holder.polygon.py);
+  poly.wx = std::move(holder.polygon.wx);
+  poly.wy = std::move(holder.polygon.wy);
+  poly.wxSet = std::move(holder.polygon.wxSet);
+  poly.wySet = std::move(holder.polygon.wySet);
+  poly.freeCorners = true;
+  return s;
 }
 
 // ---------------------------------------------------------------------------

@@ -29,11 +29,11 @@ std::string relativeTo(const std::string& path, const fs::path& folder) {
   return relative.empty() ? absolute.string() : relative.string();
 }
 
-// The row image's size as written: read from its header, or from the box cut
-// and its quarter turns when the file cannot be probed (metafiles).
+// The row image's size as written: read from its header, or as the split
+// made it when the file cannot be probed (metafiles).
 void rowSize(const RowOutcome& row, RowFormat format, int& width, int& height) {
-  width = row.quarterTurns % 2 == 0 ? row.cut.width : row.cut.height;
-  height = row.quarterTurns % 2 == 0 ? row.cut.height : row.cut.width;
+  width = row.width > 0 ? row.width : row.quarterTurns % 2 == 0 ? row.cut.width : row.cut.height;
+  height = row.height > 0 ? row.height : row.quarterTurns % 2 == 0 ? row.cut.height : row.cut.width;
   if (format == RowFormat::Cgm) return;
   image::PixelSize size;
   if (image::readPixelSize(row.outputName, size)) {

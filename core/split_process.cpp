@@ -1,6 +1,7 @@
 #include "core/split_process.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <utility>
 
@@ -8,12 +9,14 @@
 
 #include "core/core_session.h"
 #include "core/depth_sources.h"
+#include "core/free_corners.h"
 #include "core/output_guard.h"
 #include "core/output_plan.h"
 #include "host/atomic_file.h"
 #include "host/fixed_text.h"
 #include "host/image/image_messages.h"
 #include "host/image/jpeg_row_cutter.h"
+#include "host/image/image_writer.h"
 #include "host/image/photo.h"
 #include "host/messages.h"
 #include "host/nulls.h"
@@ -88,6 +91,7 @@ PhotoJob makePhotoJob(const CoreImage& image, int place, const SplitOptions& opt
     const Polygon& poly = r->polygon;
     const int n = std::min({poly.n, static_cast<int>(poly.px.size()), static_cast<int>(poly.py.size())});
     for (int i = 0; i < n; ++i) row.vertices.push_back({poly.px[i], poly.py[i]});
+    row.freeCorners = poly.freeCorners && isConvexQuadrilateral(poly);
     if (k <= kMaxStoredRows) {
       row.top = depthIn(image.realSetting(rowTopSetting(k)), unit);
       row.base = depthIn(image.realSetting(rowBaseSetting(k)), unit);
@@ -101,6 +105,56 @@ PhotoJob makePhotoJob(const CoreImage& image, int place, const SplitOptions& opt
   return job;
 }
 
+namespace {
+
+double sideLength(image::PlanePoint a, image::PlanePoint b) { return std::hypot(b.x - a.x, b.y - a.y); }
+
+// The straightened row of a free-cornered outline (see RowPlan).
+void planStraightenedRow(const PhotoJob& job, const RowJob& row, const SizeFactors& factors, RowPlan& plan) {
+  std::array<image::PlanePoint, 4> q;
+  for (std::size_t i = 0; i < 4; ++i) {
+    q[i] = {row.vertices[i].x * static_cast<double>(factors.x), row.vertices[i].y * static_cast<double>(factors.y)};
+    if (!std::isfinite(q[i].x) || !std::isfinite(q[i].y)) return;  // no plan: nothing sensible to cut
+  }
+  const double wide = std::max(sideLength(q[0], q[1]), sideLength(q[3], q[2]));
+  const double high = std::max(sideLength(q[1], q[2]), sideLength(q[0], q[3]));
+  const RowBox upright{0, 0, std::max(1, static_cast<int>(std::lround(wide))),
+                       std::max(1, static_cast<int>(std::lround(high)))};
+  plan.orientation = decideOrientation(job.horizontalSetting, job.reverseSetting, upright);
+  image::Homography toPhoto;
+  const std::array<image::PlanePoint, 4> frame{image::PlanePoint{0, 0}, {double(upright.right), 0},
+                                               {double(upright.right), double(upright.bottom)},
+                                               {0, double(upright.bottom)}};
+  if (!image::Homography::fromQuads(frame, q, toPhoto)) return;
+  // Shortened in the upright frame, where lengths along the row are true.
+  const RowBox kept = shortenRow(upright, plan.orientation, plan.fraction);
+  const std::array<image::PlanePoint, 4> keptCorners{
+      toPhoto.apply({double(kept.left), double(kept.top)}), toPhoto.apply({double(kept.right), double(kept.top)}),
+      toPhoto.apply({double(kept.right), double(kept.bottom)}), toPhoto.apply({double(kept.left), double(kept.bottom)})};
+  // Turning the row image by t clockwise quarter turns brings the corner
+  // that was at place i - t to place i.
+  const int turns = plan.orientation.quarterTurns();
+  for (int i = 0; i < 4; ++i) plan.sourceCorners[static_cast<std::size_t>(i)] = keptCorners[static_cast<std::size_t>((i - turns + 4) % 4)];
+  plan.width = turns % 2 == 0 ? kept.width() : kept.height();
+  plan.height = turns % 2 == 0 ? kept.height() : kept.width();
+  double left = keptCorners[0].x, right = left, top = keptCorners[0].y, bottom = top;
+  for (const image::PlanePoint& p : keptCorners) {
+    left = std::min(left, p.x), right = std::max(right, p.x);
+    top = std::min(top, p.y), bottom = std::max(bottom, p.y);
+  }
+  const auto held = [](double v) {
+    if (!std::isfinite(v)) return v > 0 ? kCoordinateLimit : -kCoordinateLimit;
+    return static_cast<int>(std::clamp(v, -double(kCoordinateLimit), double(kCoordinateLimit)));
+  };
+  // One pixel more each way, for the bilinear samples at the edges.
+  plan.box = {held(std::floor(left)) - 1, held(std::floor(top)) - 1, held(std::ceil(right)) + 1,
+              held(std::ceil(bottom)) + 1};
+  plan.straightened = true;
+  plan.usable = kept.width() > 0 && kept.height() > 0;
+}
+
+}  // namespace
+
 RowPlan planRow(const PhotoJob& job, const RowJob& row, const SplitOptions& options, int photoWidth,
                 int photoHeight) {
   RowPlan plan;
@@ -111,6 +165,10 @@ RowPlan planRow(const PhotoJob& job, const RowJob& row, const SplitOptions& opti
   plan.fraction = coreFraction(row.top, row.base, job.coreLength, options.shortenRows);
   if (plan.fraction <= 0.0f || plan.drawn.empty()) return plan;
   const SizeFactors factors = sizeFactors(photoWidth, photoHeight, job.shownWidth, job.shownHeight, job.displayReduction);
+  if (row.freeCorners && row.vertices.size() == 4) {
+    planStraightenedRow(job, row, factors, plan);
+    return plan;
+  }
   plan.box = scaleBox(shortenRow(plan.drawn, plan.orientation, plan.fraction), factors);
   plan.usable = true;
   return plan;
@@ -135,6 +193,8 @@ struct StreamedRows {
 StreamedRows cutWhileDecoding(const PhotoJob& job, const SplitOptions& options) {
   StreamedRows streamed;
   if (job.format != RowFormat::Bmp || job.angleDegrees != 0.0f) return streamed;
+  for (const RowJob& row : job.rows)
+    if (row.freeCorners) return streamed;
   image::JpegRowCutter cutter;
   std::vector<image::JpegRowCut> cuts;
   std::vector<std::size_t> rowOfCut;
@@ -167,6 +227,51 @@ StreamedRows cutWhileDecoding(const PhotoJob& job, const SplitOptions& options) 
 }
 
 }  // namespace
+
+namespace {
+
+// Writes a straightened row; parts of the quadrilateral off the photograph
+// come out black.
+Status writeStraightenedRow(const image::Photo& photo, const RowPlan& plan, const image::CutSpec& spec,
+                            RowOutcome& ro, RowFormat format, const image::WriteOptions& writeOptions) {
+  image::Raster row;
+  Status s = straightenRow(photo, plan, spec.angleDegrees, 1.0, row);
+  if (s) s = image::writeImage(row.view(), ro.outputName, format, writeOptions);
+  if (s) {
+    ro.width = row.width();
+    ro.height = row.height();
+  }
+  return s;
+}
+
+}  // namespace
+
+Status straightenRow(const image::Photo& photo, const RowPlan& plan, double angleDegrees, double scale,
+                     image::Raster& out) {
+  image::CutSpec under;
+  under.box = plan.box.pixelBox();
+  under.angleDegrees = angleDegrees;
+  under.box = photo.clippedBox(under);
+  if (under.box.empty()) return Status::error("the row lies outside the photograph");
+  image::Raster piece;
+  Status s = photo.cut(under, piece);
+  if (!s) return s;
+  const double width = std::max(1.0, std::round(plan.width * scale));
+  const double height = std::max(1.0, std::round(plan.height * scale));
+  const std::array<image::PlanePoint, 4> frame{image::PlanePoint{0, 0}, {width, 0}, {width, height}, {0, height}};
+  std::array<image::PlanePoint, 4> inPiece = plan.sourceCorners;
+  for (image::PlanePoint& p : inPiece) {
+    p.x -= under.box.left;
+    p.y -= under.box.top;
+  }
+  image::Homography toPiece;
+  if (!image::Homography::fromQuads(frame, inPiece, toPiece))
+    return Status::error("the row's corners cannot be straightened");
+  out = image::Raster(static_cast<int>(width), static_cast<int>(height));
+  const std::uint8_t black[3] = {0, 0, 0};
+  image::warpPicture(piece.view(), toPiece, out, black);
+  return Status::ok();
+}
 
 PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
   PhotoOutcome out;
@@ -250,9 +355,9 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
     const RowBox& box = plan.box;
     image::CutSpec spec;
     spec.box = box.pixelBox();
-    spec.quarterTurns = plan.orientation.quarterTurns();
+    spec.quarterTurns = plan.straightened ? 0 : plan.orientation.quarterTurns();
     spec.angleDegrees = job.angleDegrees;
-    ro.quarterTurns = spec.quarterTurns;
+    ro.quarterTurns = plan.orientation.quarterTurns();
     ro.cut = streamed.done ? image::clipBox(spec.box, photoWidth, photoHeight) : photo.clippedBox(spec);
     // Every row that reaches its cut has its line in the table, written or
     // not: the error count and the end message tell of the failure.
@@ -271,7 +376,8 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
     // Written under a temporary name and renamed when complete; on failure
     // the back-end shows why and leaves nothing behind.
     const Status written =
-        !streamed.done ? image::cutToFile(photo, spec, ro.outputName, job.format, options.writeOptions)
+        plan.straightened ? writeStraightenedRow(photo, plan, spec, ro, job.format, options.writeOptions)
+        : !streamed.done  ? image::cutToFile(photo, spec, ro.outputName, job.format, options.writeOptions)
         : streamed.written[i] ? Status::ok()
                               : image::reportWriteFailure(ro.outputName, true, streamed.written[i].message());
     if (!written) {
@@ -283,6 +389,10 @@ PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options) {
       continue;
     }
     ro.result = RowResult::Written;
+    if (ro.width == 0) {
+      ro.width = ro.quarterTurns % 2 == 0 ? ro.cut.width : ro.cut.height;
+      ro.height = ro.quarterTurns % 2 == 0 ? ro.cut.height : ro.cut.width;
+    }
     out.rows.push_back(std::move(ro));
   }
 

@@ -16,6 +16,7 @@
 // one photograph after another.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,8 @@
 #include "core/split_geometry.h"
 #include "core/split_naming.h"
 #include "core/split_report.h"
+#include "host/image/photo.h"
+#include "host/image/projective.h"
 #include "host/status.h"
 
 namespace subsurf {
@@ -72,6 +75,9 @@ struct SplitOptions {
 struct RowJob {
   int number = 0;  // k, from 1, in rectangle list order
   std::vector<PixelPoint> vertices;
+  // Four free corners (core/free_corners.h), clockwise from the top-left: the
+  // row is straightened rather than cut as its bounding box.
+  bool freeCorners = false;
   float top = 0.0f;
   float base = 0.0f;
   std::string outputName;  // set by the run's output plan; empty: from the naming options
@@ -111,6 +117,9 @@ struct RowOutcome {
   std::string problem;     // why it was not written
   image::PixelBox cut;     // the part of the photograph cut, before turning
   int quarterTurns = 0;
+  // The row image's size as written (0 until written).
+  int width = 0;
+  int height = 0;
 };
 
 struct PhotoOutcome {
@@ -146,6 +155,14 @@ std::string plannedRowName(const PhotoJob& job, const RowJob& row, const SplitOp
 // scaled from the displayed picture, not yet clipped), the way it is turned,
 // and its output name. Rows without depths or with a base not below the top
 // have no plan (usable false).
+//
+// A free-cornered row is straightened: its quadrilateral is mapped onto an
+// upright rectangle as wide as the longer of its sides along the top and
+// bottom and as high as the longer of the other two (in the photograph's
+// pixels), shortened there to the core present and turned like any row. The
+// plan then gives the point of the photograph under each corner of the row
+// image (top-left, top-right, bottom-right, bottom-left) and the image's
+// size; box is the part of the photograph under the quadrilateral.
 struct RowPlan {
   bool usable = false;
   RowBox drawn;          // bounding box of the outline as drawn
@@ -153,9 +170,20 @@ struct RowPlan {
   RowOrientation orientation;
   float fraction = 1.0f;
   std::string outputName;
+  bool straightened = false;
+  std::array<image::PlanePoint, 4> sourceCorners{};
+  int width = 0;   // of the straightened row image, after turning
+  int height = 0;
 };
 RowPlan planRow(const PhotoJob& job, const RowJob& row, const SplitOptions& options, int photoWidth,
                 int photoHeight);
+
+// The row image of a straightened row (plan.straightened), `scale` times its
+// size (at least a pixel each way): the part of the photograph (turned by
+// angleDegrees) under the quadrilateral, mapped onto the upright rectangle
+// and sampled bilinearly; parts off the photograph are black.
+Status straightenRow(const image::Photo& photo, const RowPlan& plan, double angleDegrees, double scale,
+                     image::Raster& out);
 
 // Cuts one photograph (see the file comment). Never touches the session.
 PhotoOutcome splitPhoto(const PhotoJob& job, const SplitOptions& options);

@@ -7,6 +7,10 @@
 //   move       {image, rectangle, dx, dy}     moved whole, kept on the photo
 //   corner     {image, rectangle, vertex, x, y}  corner dragged; neighbours follow
 //   edge       {image, rectangle, edge, x, y}    edge k (corners k and k+1) dragged
+//   corners    {image, rectangle, corners: [[x,y] x 4]}  four free corners (a
+//                                             row seen at an angle); a free
+//                                             corner's drag moves it alone
+//   square     {image, rectangle}             back to the upright box round it
 //   delete     {image, rectangle}
 //   reorder    {image, order: [places]}       rows in a new order
 //   copy       {image, count?}                rows onto the next photos (all when 0)
@@ -23,6 +27,7 @@
 #include <cmath>
 #include <filesystem>
 
+#include "core/free_corners.h"
 #include "core/image_settings.h"
 #include "core/output_guard.h"
 #include "core/row_rectangles.h"
@@ -204,7 +209,12 @@ json EditorState::imageJson(CoreImage& image, int place) {
     json corners = json::array();
     for (int i = 0; i < r->polygon.n; ++i) corners.push_back({r->polygon.px[i], r->polygon.py[i]});
     const RowDepths d = CoreSession::rowDepth(image, k);
-    rows.push_back({{"place", k}, {"id", r->id}, {"corners", corners}, {"top", realJson(d.top)}, {"base", realJson(d.base)}});
+    rows.push_back({{"place", k},
+                    {"id", r->id},
+                    {"corners", corners},
+                    {"free", r->polygon.freeCorners},
+                    {"top", realJson(d.top)},
+                    {"base", realJson(d.base)}});
   }
   json views = json::array();
   for (int v = 0; v < kViewCount; ++v) {
@@ -358,6 +368,8 @@ bool EditorState::runEdit(const std::string& action, const json& body) {
   if (action == "move") return moveRectangle(body);
   if (action == "corner") return dragCorner(body);
   if (action == "edge") return dragEdge(body);
+  if (action == "corners") return setFreeCornersOf(body);
+  if (action == "square") return squareRow(body);
   if (action == "delete") return deleteRectangle(body);
   if (action == "reorder") return reorderRectangles(body);
   if (action == "copy") return copyRows(body);
@@ -455,8 +467,16 @@ bool EditorState::dragCorner(const json& body) {
   const int vertex = integerField(body, "vertex");
   const int x = clampTo(integerField(body, "x"), 0, frame.width);
   const int y = clampTo(integerField(body, "y"), 0, frame.height);
-  if (session_.moveCorner(r, vertex, x, y) != 0)
+  if (r.polygon.freeCorners && r.polygon.n == 4 && vertex >= 1 && vertex <= 4) {
+    if (session_.moveCorner(r, vertex, x, y) != 0) {
+      // Shown, not an error of the page: the user let go in the wrong place.
+      host::showMessage(fmt::format("Row {}: corner {} cannot go to ({},{}): the outline would not be convex",
+                                    integerField(body, "rectangle"), vertex, x, y));
+      return false;
+    }
+  } else if (session_.moveCorner(r, vertex, x, y) != 0) {
     throw BadRequest(fmt::format("rectangle {} has no corner {}", integerField(body, "rectangle"), vertex));
+  }
   session_.setCurrent(&image, &r);
   return true;
 }
@@ -468,6 +488,8 @@ bool EditorState::dragEdge(const json& body) {
   const int edge = integerField(body, "edge");
   if (r.polygon.n != 4 || edge < 1 || edge > 4)
     throw BadRequest(fmt::format("rectangle {} has no edge {}", integerField(body, "rectangle"), edge));
+  if (r.polygon.freeCorners)
+    throw BadRequest(fmt::format("rectangle {} has free corners: send its corners", integerField(body, "rectangle")));
   const int a = edge - 1, b = edge % 4;
   // An edge whose ends share their y runs across: dragging it moves that y;
   // otherwise it runs up and down and dragging moves its x. Moving one end as a
@@ -476,6 +498,37 @@ bool EditorState::dragEdge(const json& body) {
   const int x = across ? r.polygon.px[a] : clampTo(integerField(body, "x"), 0, frame.width);
   const int y = across ? clampTo(integerField(body, "y"), 0, frame.height) : r.polygon.py[a];
   session_.moveCorner(r, a + 1, x, y);
+  session_.setCurrent(&image, &r);
+  return true;
+}
+
+bool EditorState::setFreeCornersOf(const json& body) {
+  CoreImage& image = imageAt(body);
+  CoreRectangle& r = rectangleAt(image, body);
+  const Frame frame = frameOf(image);
+  const json& list = field(body, "corners");
+  if (!list.is_array() || list.size() != 4) throw BadRequest("\"corners\" must be four [x, y] points");
+  FreeCorners corners;
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (!list[i].is_array() || list[i].size() != 2) throw BadRequest("\"corners\" must be four [x, y] points");
+    corners.x[i] = integerField(json{{"x", list[i][0]}}, "x");
+    corners.y[i] = integerField(json{{"y", list[i][1]}}, "y");
+  }
+  const std::string problem = cornersProblem(corners, integerField(body, "rectangle"), frame.width, frame.height);
+  if (!problem.empty()) {
+    host::showMessage(problem);
+    return false;
+  }
+  setFreeCorners(session_, r, corners);
+  session_.setCurrent(&image, &r);
+  return true;
+}
+
+bool EditorState::squareRow(const json& body) {
+  CoreImage& image = imageAt(body);
+  CoreRectangle& r = rectangleAt(image, body);
+  if (!r.polygon.freeCorners) return false;
+  squareRectangle(session_, r);
   session_.setCurrent(&image, &r);
   return true;
 }

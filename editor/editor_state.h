@@ -92,6 +92,8 @@ class EditorState {
   bool addRectangle(const nlohmann::json& body);
   bool moveRectangle(const nlohmann::json& body);
   bool dragCorner(const nlohmann::json& body);
+  bool setFreeCornersOf(const nlohmann::json& body);
+  bool squareRow(const nlohmann::json& body);
   bool dragEdge(const nlohmann::json& body);
   bool deleteRectangle(const nlohmann::json& body);
   bool reorderRectangles(const nlohmann::json& body);

@@ -122,6 +122,7 @@ function render(next) {
   renderRows();
   renderTemplates();
   renderSplit(state.split);
+  renderFreeCorners();
   const image = current();
   $("photo-title").textContent = image ? `Image ${image.place}: ${image.Filename}` : "No image";
   if (image && (!view || view.place !== image.place)) showImage(image);
@@ -459,6 +460,7 @@ canvas.addEventListener("mousedown", (e) => {
     drag.corners = h.r.corners.map((c) => c.slice());
     drag.vertex = h.vertex;
     drag.edge = h.edge;
+    drag.free = !!h.r.free;
   }
 });
 
@@ -485,18 +487,24 @@ canvas.addEventListener("mousemove", (e) => {
   } else if (drag.kind === "inside") {
     drag.preview = drag.corners.map(([x, y]) => [x + fx - x0, y + fy - y0]);
   } else if (drag.kind === "corner") {
-    // The two neighbours keep the coordinate they share with the dragged corner.
+    // The two neighbours keep the coordinate they share with the dragged
+    // corner; a free corner moves alone.
     const p = drag.corners.map((c) => c.slice());
     const v = drag.vertex - 1, before = (v + 3) % 4, after = (v + 1) % 4;
-    for (const n of [before, after]) {
-      if (p[n][0] === drag.corners[v][0]) p[n][0] = fx; else p[n][1] = fy;
+    if (!drag.free) {
+      for (const n of [before, after]) {
+        if (p[n][0] === drag.corners[v][0]) p[n][0] = fx; else p[n][1] = fy;
+      }
     }
     p[v] = [fx, fy];
     drag.preview = p;
   } else if (drag.kind === "edge") {
     const p = drag.corners.map((c) => c.slice());
     const a = drag.edge - 1, b = drag.edge % 4;
-    if (p[a][1] === p[b][1]) { p[a][1] = fy; p[b][1] = fy; } else { p[a][0] = fx; p[b][0] = fx; }
+    if (drag.free) {
+      // Both ends of a free row's edge move with the pointer.
+      for (const n of [a, b]) p[n] = [p[n][0] + fx - x0, p[n][1] + fy - y0];
+    } else if (p[a][1] === p[b][1]) { p[a][1] = fy; p[b][1] = fy; } else { p[a][0] = fx; p[b][0] = fx; }
     drag.preview = p;
   }
   drawPhoto();
@@ -526,6 +534,11 @@ window.addEventListener("mouseup", async (e) => {
     await call("move", { image: d.image, rectangle: d.rectangle, dx: fx - x0, dy: fy - y0 });
   } else if (d.kind === "corner") {
     await call("corner", { image: d.image, rectangle: d.rectangle, vertex: d.vertex, x: fx, y: fy });
+  } else if (d.kind === "edge" && d.free) {
+    const a = d.edge - 1, b = d.edge % 4;
+    const p = d.corners.map((c) => c.slice());
+    for (const n of [a, b]) p[n] = [p[n][0] + fx - x0, p[n][1] + fy - y0];
+    await call("corners", { image: d.image, rectangle: d.rectangle, corners: p });
   } else if (d.kind === "edge") {
     await call("edge", { image: d.image, rectangle: d.rectangle, edge: d.edge, x: fx, y: fy });
   }
@@ -548,6 +561,29 @@ $("save").onclick = () => call("save");
 $("zoom-in").onclick = () => zoomAt(1.25, viewWidth() / 2, viewHeight() / 2);
 $("zoom-out").onclick = () => zoomAt(0.8, viewWidth() / 2, viewHeight() / 2);
 $("zoom-fit").onclick = () => { const image = current(); if (image) { view = fitView(image); viewChanged(); } };
+// The selected row, or null.
+function selectedRow() {
+  const image = current();
+  return image && state.current.rectangle > 0 ? image.rows[state.current.rectangle - 1] || null : null;
+}
+
+// One button for the selected row: free its corners, or square it again.
+function renderFreeCorners() {
+  const row = selectedRow();
+  const button = $("free-corners");
+  button.disabled = !row;
+  button.textContent = row && row.free ? "Square" : "Free corners";
+  button.title = row && row.free
+    ? "Make the selected row an upright rectangle again (the box round its corners)"
+    : "Let the selected row's four corners move one at a time, for a row seen at an angle (the split straightens it)";
+}
+
+$("free-corners").onclick = () => {
+  const image = current(), row = selectedRow();
+  if (!image || !row) return;
+  if (row.free) call("square", { image: image.place, rectangle: row.place });
+  else call("corners", { image: image.place, rectangle: row.place, corners: row.corners });
+};
 $("copy-rows").onclick = () => {
   const image = current();
   if (image) call("copy", { image: image.place, count: Number($("copy-count").value) });

@@ -56,12 +56,65 @@ void drawLabel(cairo_t* cr, const std::string& text, double x, double y, double 
   cairo_show_text(cr, text.c_str());
 }
 
+// The straightened rows in a column from x = left, `width` wide and `height`
+// high: each row scaled to the column's width (less, when the rows would not
+// otherwise fit its height) under its label.
+void drawStraightenedRows(cairo_t* cr, const std::vector<PreviewRowImage>& rows, int left, int width, int height,
+                          double fontSize) {
+  cairo_set_source_rgb(cr, 0.16, 0.16, 0.16);
+  cairo_rectangle(cr, left, 0, width, height);
+  cairo_fill(cr);
+  const double margin = std::max(6.0, fontSize * 0.5);
+  const double labelHeight = fontSize * 1.25 + 2 * std::max(2.0, fontSize * 0.25);
+  const double inner = width - 2 * margin;
+  double stack = margin;
+  for (const PreviewRowImage& r : rows)
+    if (!r.pixels.empty()) stack += labelHeight + inner * r.pixels.height() / r.pixels.width() + margin;
+  const double fit = stack > height ? std::max(0.05, (height - margin - rows.size() * (labelHeight + margin)) /
+                                                         std::max(1.0, stack - margin - rows.size() * (labelHeight + margin)))
+                                    : 1.0;
+  double y = margin;
+  for (const PreviewRowImage& r : rows) {
+    if (r.pixels.empty()) continue;
+    double rgb[3];
+    previewColour(r.index, rgb);
+    const std::string text = r.label.empty() ? fmt::format("{}", r.index) : fmt::format("{}: {}", r.index, r.label);
+    drawLabel(cr, text, left + margin, y, fontSize, rgb, left + width, height);
+    y += labelHeight;
+    const int pw = r.pixels.width(), ph = r.pixels.height();
+    std::unique_ptr<cairo_surface_t, SurfaceDeleter> picture(cairo_image_surface_create(CAIRO_FORMAT_RGB24, pw, ph));
+    if (cairo_surface_status(picture.get()) != CAIRO_STATUS_SUCCESS) continue;
+    cairo_surface_flush(picture.get());
+    unsigned char* data = cairo_image_surface_get_data(picture.get());
+    const int stride = cairo_image_surface_get_stride(picture.get());
+    for (int py = 0; py < ph; ++py) {
+      auto* out = reinterpret_cast<std::uint32_t*>(data + static_cast<std::size_t>(py) * stride);
+      const std::uint8_t* in = r.pixels.row(py);
+      for (int px = 0; px < pw; ++px, in += 3)
+        out[px] = (std::uint32_t{in[0]} << 16) | (std::uint32_t{in[1]} << 8) | in[2];
+    }
+    cairo_surface_mark_dirty(picture.get());
+    const double scale = inner * fit / pw;
+    cairo_save(cr);
+    cairo_translate(cr, left + margin, y);
+    cairo_scale(cr, scale, scale);
+    cairo_set_source_surface(cr, picture.get(), 0, 0);
+    cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_GOOD);
+    cairo_paint(cr);
+    cairo_restore(cr);
+    y += ph * scale + margin;
+  }
+}
+
 // Draws on a reduced RGB picture; scale maps photo pixels to preview pixels.
 Status render(const VImage& reduced, double scaleX, double scaleY, const std::vector<PreviewOutline>& outlines,
               const std::string& pngPath, const PreviewOptions& options) {
   const int w = reduced.width();
   const int h = reduced.height();
-  std::unique_ptr<cairo_surface_t, SurfaceDeleter> surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, w, h));
+  // The column of straightened rows, half as wide as the photograph.
+  const int column = options.straightenedRows.empty() ? 0 : std::max(200, w / 2);
+  std::unique_ptr<cairo_surface_t, SurfaceDeleter> surface(
+      cairo_image_surface_create(CAIRO_FORMAT_RGB24, w + column, h));
   if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) {
     return reportWriteFailure(pngPath, false, cairo_status_to_string(cairo_surface_status(surface.get())));
   }
@@ -130,6 +183,7 @@ Status render(const VImage& reduced, double scaleX, double scaleY, const std::ve
     cairo_move_to(cr.get(), fontSize * 0.6, band * 0.5 + fontSize * 0.45);
     cairo_show_text(cr.get(), options.warning.c_str());
   }
+  if (column > 0) drawStraightenedRows(cr.get(), options.straightenedRows, w, column, h, fontSize);
   cr.reset();
   cairo_surface_flush(surface.get());
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/image/photo.h"
+#include "host/image/raster.h"
 #include "host/status.h"
 
 namespace subsurf::drawing {
@@ -24,11 +25,22 @@ struct PreviewOutline {
   int index = 0;
 };
 
+// A row straightened from four free corners, shown beside the photograph
+// (the pixels at any size; they are scaled to the column).
+struct PreviewRowImage {
+  image::Raster pixels;
+  std::string label;
+  int index = 0;
+};
+
 struct PreviewOptions {
   int longestSide = 1600;   // the preview is reduced so its longer side is at most this
   double lineWidth = 3.0;   // outline thickness in preview pixels
   double fontSize = 0.0;    // label height in preview pixels; 0 picks one from the preview size
   std::string warning;      // when not empty, written in a red band across the top
+  // When not empty, drawn in a column to the right of the photograph, top row
+  // first, each under its label, so the straightened rows can be checked.
+  std::vector<PreviewRowImage> straightenedRows;
 };
 
 // Draws the preview of the photograph at photoPath into pngPath (written

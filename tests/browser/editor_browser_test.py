@@ -253,6 +253,42 @@ class EditorPage(unittest.TestCase):
         self.wait_for(lambda: self.editor.state()["images"][0]["rows"][0]["corners"] != before, "redone")
         self.screenshot("corner")
 
+    def test_free_corners_move_one_at_a_time(self):
+        rows = lambda: self.editor.state()["images"][0]["rows"]
+        before = rows()[0]["corners"]
+        self.assertEqual(before, [[119, 347], [2251, 347], [2251, 516], [119, 516]])
+        self.assertFalse(rows()[0]["free"])
+        # Select row 1 by a click inside it; the button offers free corners.
+        self.drag_on_photo((1200, 430), (1200, 430))
+        self.wait_for(lambda: self.editor.state()["current"]["rectangle"] == 1, "row 1 selected")
+        self.wait_for(lambda: self.by_id("free-corners").is_enabled(), "the button offered")
+        self.assertEqual(self.by_id("free-corners").text, "Free corners")
+        self.by_id("free-corners").click()
+        self.wait_for(lambda: rows()[0]["free"], "row 1 free-cornered")
+        self.wait_for(lambda: self.by_id("free-corners").text == "Square", "the button offers squaring")
+        self.assertEqual(rows()[0]["corners"], before, "the corners stay where they were")
+        # Corner 3 dragged: it alone moves.
+        self.drag_on_photo((2251, 516), (2200, 560))
+        self.wait_for(lambda: rows()[0]["corners"][2] != [2251, 516], "corner 3 moved")
+        (x1, y1), (x2, y2), (x3, y3), (x4, y4) = rows()[0]["corners"]
+        self.assertEqual([[x1, y1], [x2, y2], [x4, y4]], [before[0], before[1], before[3]], "the other corners stay")
+        self.assertLessEqual(abs(x3 - 2200), 6)
+        self.assertLessEqual(abs(y3 - 560), 6)
+        # The top edge dragged up: both its ends move with it, the others stay.
+        self.drag_on_photo((1200, 347), (1200, 320))
+        self.wait_for(lambda: rows()[0]["corners"][0][1] != 347, "the top edge moved")
+        corners = rows()[0]["corners"]
+        self.assertLessEqual(abs(corners[0][1] - 320), 6)
+        self.assertEqual(corners[0][1], corners[1][1], "both ends of the edge by the same amount")
+        self.assertEqual(corners[2], [x3, y3])
+        self.screenshot("free-corners")
+        # Square: the upright box round the corners.
+        self.by_id("free-corners").click()
+        self.wait_for(lambda: not rows()[0]["free"], "row 1 upright again")
+        (l, t), (r, t2), (r2, b), (l2, b2) = rows()[0]["corners"]
+        self.assertEqual((l, t, r, b), (119, corners[0][1], 2251, y3))
+        self.assertEqual((t2, r2, l2, b2), (t, r, l, b))
+
     def test_set_depths_carries_forward_into_the_table(self):
         self.set_depths(1, 2000, 2005, 5)
         self.wait_for(lambda: self.cell_value(3, "Top") == "2010.00", "image 3 at 2010")

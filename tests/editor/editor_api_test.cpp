@@ -218,6 +218,43 @@ TEST_F(EditorApi, EdgeDragMovesOneSide) {
   EXPECT_EQ(corners(reply["state"], 1, 2), (Corners{{119, 570}, {2300, 570}, {2300, 756}, {119, 756}}));
 }
 
+TEST_F(EditorApi, FreeCornersMoveOneAtATimeAndGoBackToARectangle) {
+  json reply = post("corners", {{"image", 1}, {"rectangle", 2}, {"corners", {{130, 600}, {2240, 580}, {2260, 760}, {110, 750}}}});
+  EXPECT_EQ(corners(reply["state"], 1, 2), (Corners{{130, 600}, {2240, 580}, {2260, 760}, {110, 750}}));
+  EXPECT_EQ(reply["state"]["images"][0]["rows"][1]["free"], true);
+  EXPECT_EQ(reply["state"]["images"][0]["rows"][0]["free"], false);
+  EXPECT_EQ(reply["state"]["unsaved"], true);
+
+  // A free corner moves alone.
+  reply = post("corner", {{"image", 1}, {"rectangle", 2}, {"vertex", 3}, {"x", 2280}, {"y", 770}});
+  EXPECT_EQ(corners(reply["state"], 1, 2), (Corners{{130, 600}, {2240, 580}, {2280, 770}, {110, 750}}));
+  // ... but not to where the outline would fold in.
+  reply = post("corner", {{"image", 1}, {"rectangle", 2}, {"vertex", 3}, {"x", 300}, {"y", 620}});
+  EXPECT_EQ(messages(reply),
+            std::vector<std::string>{"Row 2: corner 3 cannot go to (300,620): the outline would not be convex"});
+  EXPECT_EQ(corners(reply["state"], 1, 2), (Corners{{130, 600}, {2240, 580}, {2280, 770}, {110, 750}}));
+  // Edges of a free-cornered row are moved by sending its corners.
+  post("edge", {{"image", 1}, {"rectangle", 2}, {"edge", 1}, {"x", 999}, {"y", 570}}, 400);
+
+  // Refused corners name themselves and change nothing.
+  reply = post("corners", {{"image", 1}, {"rectangle", 2}, {"corners", {{130, 600}, {2240, 580}, {110, 750}, {2280, 770}}}});
+  EXPECT_EQ(messages(reply), std::vector<std::string>{"Rectangle 2 (corners 130,600,2240,580,110,750,2280,770) crosses "
+                                                      "itself: side 2-3 crosses side 4-1"});
+  reply = post("corners", {{"image", 1}, {"rectangle", 2}, {"corners", {{130, 600}, {2240, 580}, {2401, 770}, {110, 750}}}});
+  EXPECT_EQ(messages(reply), std::vector<std::string>{"Rectangle 2 (corners 130,600,2240,580,2401,770,110,750): corner 3 "
+                                                      "(2401,770) lies outside the photo (2400 x 1600 pixels)"});
+  post("corners", {{"image", 1}, {"rectangle", 2}, {"corners", {{130, 600}, {2240, 580}}}}, 400);
+  post("corners", {{"image", 1}, {"rectangle", 2}, {"corners", {{130, 600}, {2240, 580}, {2260, "x"}, {110, 750}}}}, 400);
+  EXPECT_EQ(corners(state(), 1, 2), (Corners{{130, 600}, {2240, 580}, {2280, 770}, {110, 750}}));
+
+  reply = post("square", {{"image", 1}, {"rectangle", 2}});
+  EXPECT_EQ(corners(reply["state"], 1, 2), (Corners{{110, 580}, {2280, 580}, {2280, 770}, {110, 770}}));
+  EXPECT_EQ(reply["state"]["images"][0]["rows"][1]["free"], false);
+  // Upright again: its neighbours follow a dragged corner.
+  reply = post("corner", {{"image", 1}, {"rectangle", 2}, {"vertex", 3}, {"x", 2200}, {"y", 760}});
+  EXPECT_EQ(corners(reply["state"], 1, 2), (Corners{{110, 580}, {2200, 580}, {2200, 760}, {110, 760}}));
+}
+
 TEST_F(EditorApi, AddMoveDeleteAndReorder) {
   json reply = post("add", {{"image", 2}, {"x", 100}, {"y", 1400}, {"w", 2000}, {"h", 150}});
   ASSERT_EQ(reply["state"]["images"][1]["rows"].size(), 6u);

@@ -63,6 +63,47 @@ TEST_F(PreviewTest, ReducesTheLongerSideAndDrawsOutlinesWhereTheRowsAre) {
   EXPECT_EQ(dir.entries(), (std::vector<std::string>{"preview.png", "tray.png"}));
 }
 
+TEST_F(PreviewTest, StraightenedRowsAreDrawnInAColumnBesideThePhoto) {
+  const std::string photo = greyPhoto(800, 400, "angled.png");
+  PreviewOutline slanted;
+  slanted.index = 2;
+  slanted.points = {{100, 100}, {700, 60}, {720, 160}, {90, 200}};
+  PreviewOptions options;
+  options.lineWidth = 4;
+  options.fontSize = 12;
+  PreviewRowImage straightened;
+  straightened.index = 2;
+  straightened.label = "1235.50-1236.50";
+  straightened.pixels = Raster(400, 50);
+  for (int y = 0; y < 50; ++y)
+    for (int x = 0; x < 400; ++x) {
+      std::uint8_t* p = straightened.pixels.pixel(x, y);
+      p[0] = 200, p[1] = 30, p[2] = 30;
+    }
+  options.straightenedRows.push_back(std::move(straightened));
+  const std::string png = dir.file("preview.png");
+  ASSERT_TRUE(drawPreview(photo, {slanted}, png, options));
+
+  const Raster out = readPng(png);
+  // The column is half as wide as the photo, beside it.
+  ASSERT_EQ(out.width(), 1200);
+  ASSERT_EQ(out.height(), 400);
+  EXPECT_EQ(out.pixel(400, 300)[0], 128);  // the photo, left as it was below the outline
+  // The row image under its label (a margin of 6 and a label 21 high), scaled
+  // to the column less its margins: 388 x 48.5.
+  const std::uint8_t* row = out.pixel(1000, 27 + 24);
+  EXPECT_EQ(row[0], 200);
+  EXPECT_EQ(row[1], 30);
+  const std::uint8_t* below = out.pixel(1000, 200);  // the column's dark ground
+  EXPECT_LT(below[0], 60);
+  EXPECT_EQ(below[0], below[2]);
+  // The slanted outline is drawn as it is: on its sloping top side, not on its box.
+  double colour[3];
+  previewColour(2, colour);
+  EXPECT_TRUE(isColour(out.pixel(400, 80), colour));
+  EXPECT_EQ(out.pixel(700, 190)[0], 128);  // inside the box round it, below the outline
+}
+
 TEST_F(PreviewTest, LabelTextIsWrittenInTheOutlineColour) {
   const std::string photo = greyPhoto(800, 600, "tray.png");
   PreviewOutline row;

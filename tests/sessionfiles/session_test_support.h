@@ -93,6 +93,7 @@ inline void expectSame(const Polygon& a, const Polygon& b, const std::string& wh
       EXPECT_TRUE(sameBits(a.wy[i], b.wy[i])) << "wy " << i;
     }
   }
+  EXPECT_EQ(a.freeCorners, b.freeCorners);
   for (std::size_t k = 0; k < a.props.size(); ++k) expectSame(a.props[k], b.props[k], "property " + std::to_string(k));
 }
 

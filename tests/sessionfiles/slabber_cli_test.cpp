@@ -467,7 +467,15 @@ TEST_F(SlabberCliTest, ShowJsonGivesEveryImageAndRow) {
   EXPECT_EQ(a["core_length"], 1.0);
   EXPECT_EQ(a["cores"], 2);
   EXPECT_EQ(a["depths_from"], "name");
-  EXPECT_EQ(a["rows"][1], nlohmann::json({{"row", 2}, {"top", 11.0}, {"base", 12.0}}));
+  const nlohmann::json& row2 = a["rows"][1];
+  EXPECT_EQ(row2["row"], 2);
+  EXPECT_EQ(row2["top"], 11.0);
+  EXPECT_EQ(row2["base"], 12.0);
+  EXPECT_EQ(row2["outline"], "rectangle");
+  ASSERT_EQ(row2["corners"].size(), 4u);
+  // The second of two bands: its top-left corner is at the middle of the photo's left edge.
+  EXPECT_EQ(row2["corners"][0][0], 0);
+  EXPECT_EQ(row2["corners"][2][1].get<int>(), 2 * row2["corners"][0][1].get<int>());
   const nlohmann::json& b = j["images"][1];
   EXPECT_TRUE(b["top"].is_null());
   EXPECT_EQ(b["depths_from"], "none");

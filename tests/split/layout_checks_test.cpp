@@ -26,6 +26,23 @@ TEST(LayoutChecks, OverlapsAreMeasured) {
   EXPECT_EQ(w[0], "T1.jpg: rows 1 and 2 overlap by 390 x 10 pixels");
 }
 
+TEST(LayoutChecks, FreeCorneredRowsOverlapOnlyWhereTheirCornersDo) {
+  // Two slanted rows of a tray seen at an angle: their boxes overlap, they do not.
+  std::vector<NumberedBox> rows = {
+      {1, {10, 100, 400, 170}, {{10, 110}, {400, 100}, {400, 150}, {10, 170}}},
+      {2, {10, 150, 400, 230}, {{10, 170}, {400, 150}, {400, 210}, {10, 230}}},
+  };
+  EXPECT_TRUE(layoutWarnings("T1.jpg", rows, 400, 300).empty());
+  // Row 2's top-left corner pushed up into row 1.
+  rows[1].corners[0] = {10, 160};
+  EXPECT_EQ(layoutWarnings("T1.jpg", rows, 400, 300), std::vector<std::string>{"T1.jpg: rows 1 and 2 overlap"});
+  // An upright row beside a free-cornered one is judged by its box.
+  rows[1] = {2, {0, 140, 50, 300}};
+  EXPECT_EQ(layoutWarnings("T1.jpg", rows, 400, 300), std::vector<std::string>{"T1.jpg: rows 1 and 2 overlap"});
+  rows[1] = {2, {0, 175, 50, 300}};
+  EXPECT_TRUE(layoutWarnings("T1.jpg", rows, 400, 300).empty());
+}
+
 TEST(LayoutChecks, RowsReachingOutsideAreSaidToBeClipped) {
   const auto w = layoutWarnings("T1.jpg", bands({{-5, 0, 400, 60}, {0, 60, 420, 120}, {0, 400, 400, 460}}), 400, 300);
   ASSERT_EQ(w.size(), 2u);  // the third lies wholly outside: reported when cut

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "core/free_corners.h"
 #include "core/session_files.h"
 #include "split/split_test_support.h"
 #include "support/run_program.h"
@@ -213,6 +214,21 @@ TEST_F(SlabberCommand, PreviewPerPhotograph) {
   const vips::VImage p = vips::VImage::new_from_file((prev + "/T2_preview.png").c_str());
   EXPECT_EQ(p.width(), 300);
   EXPECT_EQ(p.height(), 200);
+}
+
+TEST_F(SlabberCommand, PreviewOfFreeCorneredRowsShowsThemStraightenedBeside) {
+  // Row 2 of T2 given as a slanted quadrilateral; the others stay upright.
+  setFreeCorners(session, *session.rectangleAt(*session.imageAt(2), 2), FreeCorners{{20, 280, 285, 15}, {45, 42, 78, 76}});
+  save();
+  const std::string prev = dir.file("prev");
+  const CommandRun r = subsurf::testing::withoutSuppressionReport(run("preview " + sessionFile + " --out " + prev));
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err, "");  // it lies within its band: no overlap is claimed
+  const vips::VImage p2 = vips::VImage::new_from_file((prev + "/T2_preview.png").c_str());
+  EXPECT_EQ(p2.width(), 300 + 200);  // the column of straightened rows, at least 200 wide
+  EXPECT_EQ(p2.height(), 200);
+  const vips::VImage p1 = vips::VImage::new_from_file((prev + "/T1_preview.png").c_str());
+  EXPECT_EQ(p1.width(), 300);  // no free corners, no column
 }
 
 TEST_F(SlabberCommand, PreviewOfAMissingPhotograph) {
