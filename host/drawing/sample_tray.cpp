@@ -717,6 +717,7 @@ SampleTray renderSampleTray(const SampleTraySpec& spec) {
     row.compartment = {L.channelLeft, r.channelTop, L.channelRight - L.channelLeft, r.channelBottom - r.channelTop};
     tray.rows.push_back(row);
   }
+  tray.trayBox = {L.trayLeft, L.trayTop, L.trayRight - L.trayLeft, L.trayBottom - L.trayTop};
   return tray;
 }
 

@@ -60,6 +60,7 @@ struct SampleTray {
   double top = 0.0;
   double base = 0.0;
   std::vector<SampleRow> rows;
+  image::PixelBox trayBox;  // the tray's outer frame
 };
 
 // Draws one tray photograph.
