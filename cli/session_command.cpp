@@ -20,6 +20,7 @@
 #include "core/image_settings.h"
 #include "core/name_depths.h"
 #include "core/session_files.h"
+#include "core/tray_straightening.h"
 #include "core/split_naming.h"
 #include "host/fixed_text.h"
 #include "host/image/photo.h"
@@ -303,6 +304,9 @@ int runShow(const ShowOptions& o) {
                 wTop, depthText(image->realValue(kRealTop)).c_str(), wBase, depthText(image->realValue(kRealBase)).c_str(),
                 wLength, depthText(image->realValue(kRealCoreLength)).c_str(),
                 countText(image->intValue(kIntCoreNumber)).c_str(), CoreSession::rectangleCount(*image));
+    if (const TrayOrigin origin = trayOrigin(*image); origin.straightened)
+      std::printf("     straightened from %s, tray corners %s\n", fileNameOf(origin.original).c_str(),
+                  cornersText(origin.corners).c_str());
     if (!o.rows) continue;
     int row = 0;
     for (const RowDepths& d : session.rowDepths(*image)) {

@@ -70,7 +70,10 @@ Status writeThroughVips(const RasterView& pixels, AtomicOutput& out, ImageFormat
         packed.pngsave(temp);
         break;
       case ImageFormat::Jpeg:
-        packed.jpegsave(temp, vips::VImage::option()->set("Q", std::clamp(options.jpegQuality, 1, 100)));
+        packed.jpegsave(temp, vips::VImage::option()
+                                  ->set("Q", std::clamp(options.jpegQuality, 1, 100))
+                                  ->set("subsample_mode", options.jpegFullChroma ? VIPS_FOREIGN_SUBSAMPLE_OFF
+                                                                                 : VIPS_FOREIGN_SUBSAMPLE_AUTO));
         break;
       case ImageFormat::Tiff:
         packed.tiffsave(temp);

@@ -1,0 +1,14 @@
+// slabber straighten: maps a tray photographed at an angle onto an upright
+// rectangle, writes the straight copy beside the photograph and points the
+// session's image at it (see core/tray_straightening.h).
+//
+//   slabber straighten SESSION --image N --corners x1,y1,x2,y2,x3,y3,x4,y4
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace subsurf::cli {
+
+void addStraightenCommand(CLI::App& app, int& exitCode);
+
+}  // namespace subsurf::cli
