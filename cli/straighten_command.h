@@ -3,6 +3,12 @@
 // session's image at it (see core/tray_straightening.h).
 //
 //   slabber straighten SESSION --image N --corners x1,y1,x2,y2,x3,y3,x4,y4
+//   slabber straighten SESSION [--image N]
+//
+// Without --corners the tray's corners are found in the photograph (see
+// core/tray_corners.h); a photograph whose corners are unsure is named,
+// "check the tray corners of <photo> (confidence ...: why)", is left as it
+// was, and the exit status is 1.
 #pragma once
 
 #include <CLI/CLI.hpp>

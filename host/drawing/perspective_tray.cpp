@@ -1,5 +1,6 @@
 #include "host/drawing/perspective_tray.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -77,6 +78,16 @@ PerspectiveTray renderPerspectiveTray(const PerspectiveTraySpec& spec) {
   result.flatToPhoto.inverse(photoToFlat);
   result.photo = image::Raster(width, height);
   image::warpPicture(result.flat.pixels.view(), photoToFlat, result.photo, kTable);
+  // Beyond the tray and its shadow the table goes on: the flat photograph's
+  // own edges must not show.
+  const double unit = std::min(width / 2400.0, height / 1600.0), margin = 40 * unit;
+  for (int y = 0; y < height; ++y)
+    for (int x = 0; x < width; ++x) {
+      const image::PlanePoint f = photoToFlat.apply({x + 0.5, y + 0.5});
+      if (f.x < box.left - margin || f.x > box.right() + margin || f.y < box.top - margin ||
+          f.y > box.bottom() + margin)
+        tableColourAt(spec.tray, f.x - 0.5, f.y - 0.5, result.photo.pixel(x, y));
+    }
   result.corners = seen;
   return result;
 }

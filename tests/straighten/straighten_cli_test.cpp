@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include "core/tray_straightening.h"
 #include "host/drawing/perspective_tray.h"
 #include "host/image/image_writer.h"
 #include "host/image/photo.h"
@@ -96,8 +97,9 @@ TEST_F(StraightenCliTest, RowsCutFromTheStraightCopyMatchTheTrayPhotographedSqua
   const CommandRun run = slabber("straighten s.slbs --image 1 --corners " + cornersArgument({c[3], c[2], c[1], c[0]}));
   ASSERT_EQ(run.status, 0) << run.out << run.err;
   const std::string copy = stem() + "-straight.png";
-  EXPECT_NE(run.out.find("s.slbs: image 1 straightened: " + copy + " ("), std::string::npos) << run.out;
-  EXPECT_NE(run.out.find(" from " + name + "\n"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("Trays straightened in s.slbs\n    1 " + name + ": corners given "), std::string::npos)
+      << run.out;
+  EXPECT_NE(run.out.find(" -> " + copy + " ("), std::string::npos) << run.out;
 
   image::Photo straight;
   ASSERT_TRUE(image::Photo::load(dir.file(copy), straight));
@@ -161,7 +163,7 @@ TEST_F(StraightenCliTest, TheSessionKeepsTheOriginalAndCornersAndStraighteningAg
   for (auto& p : c) p = {std::round(p.x), std::round(p.y)};
   const CommandRun first = slabber("straighten s.slbs --image 1 --corners " + cornersArgument(c));
   ASSERT_EQ(first.status, 0) << first.err;
-  EXPECT_NE(first.out.find("  3 rectangles removed: lay the rows again on the straight tray\n"), std::string::npos)
+  EXPECT_NE(first.out.find("      3 rectangles removed: lay the rows again on the straight tray\n"), std::string::npos)
       << first.out;
   const CommandRun shown = slabber("show s.slbs");
   EXPECT_NE(shown.out.find(stem() + "-straight.png"), std::string::npos) << shown.out;
@@ -175,7 +177,7 @@ TEST_F(StraightenCliTest, TheSessionKeepsTheOriginalAndCornersAndStraighteningAg
                                                 {c[2].x - 20, c[2].y - 20}, {c[3].x + 20, c[3].y - 20}};
   const CommandRun again = slabber("straighten s.slbs --image 1 --corners " + cornersArgument(inside));
   ASSERT_EQ(again.status, 0) << again.err;
-  EXPECT_NE(again.out.find(" from " + name + "\n"), std::string::npos) << again.out;
+  EXPECT_NE(again.out.find("    1 " + name + ": corners given "), std::string::npos) << again.out;
   EXPECT_EQ(again.out.find("rectangles removed"), std::string::npos) << again.out;
   EXPECT_EQ(testing::TempDir::read(dir.file(name)), original);  // never written to
   EXPECT_EQ(dir.list(), (std::vector<std::string>{stem() + "-straight.png", name, "s.slbs"}));
@@ -240,6 +242,55 @@ TEST_F(StraightenCliTest, JpegCopiesAreHighQualityWithFullColourResolution) {
   ASSERT_NE(sof, std::string::npos);
   ASSERT_EQ(static_cast<unsigned char>(bytes[sof + 9]), 3u);  // components
   for (int k = 0; k < 3; ++k) EXPECT_EQ(static_cast<unsigned char>(bytes[sof + 11 + 3 * k]), 0x11u) << "component " << k;
+}
+
+TEST_F(StraightenCliTest, WithoutCornersSureTraysAreStraightenedAndTheOthersNamedForAPerson) {
+  // A second photograph of the bare table: no tray to find.
+  image::Raster table(tray.photo.width(), tray.photo.height());
+  for (int y = 0; y < table.height(); ++y)
+    for (int x = 0; x < table.width(); ++x) drawing::tableColourAt(spec.tray, x, y, table.pixel(x, y));
+  const std::string bare = "TRAY_0600_0-0601_0.png";
+  ASSERT_TRUE(image::writeImage(table.view(), dir.file(bare), image::ImageFormat::Png));
+  ASSERT_EQ(slabber("new s.slbs " + name + " " + bare + " --depths-from-names").status, 0);
+
+  const CommandRun run = slabber("straighten s.slbs");
+  EXPECT_EQ(run.status, 1) << run.out << run.err;
+  EXPECT_NE(run.out.find("Trays straightened in s.slbs\n    1 " + name + ": corners found, confidence "),
+            std::string::npos)
+      << run.out;
+  EXPECT_NE(run.out.find("    2 " + bare + ": tray corners unsure, confidence 0.00\n"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("  trays straightened: 1\n"), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("check the tray corners of " + bare + " (confidence 0.00: no tray stands out from the table)\n"),
+            std::string::npos)
+      << run.out;
+  EXPECT_FALSE(fs::exists(dir.file("TRAY_0600_0-0601_0-straight.png")));
+  const CommandRun shown = slabber("show s.slbs");
+  EXPECT_NE(shown.out.find("  1  " + stem() + "-straight.png"), std::string::npos) << shown.out;
+  EXPECT_NE(shown.out.find("  2  " + bare), std::string::npos) << shown.out;
+
+  // The corners found are those drawn, within a couple of pixels.
+  const std::string corners = shown.out.substr(shown.out.find("tray corners ") + 13);
+  TrayCorners found, want = tray.corners;
+  std::string text = corners.substr(0, corners.find('\n'));
+  std::replace(text.begin(), text.end(), ' ', ',');
+  ASSERT_TRUE(parseTrayCorners(text, found)) << text;
+  ASSERT_TRUE(orderTrayCorners(want, 1500, 1000));
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_NEAR(found[i].x, want[i].x, 3.0) << i;
+    EXPECT_NEAR(found[i].y, want[i].y, 3.0) << i;
+  }
+
+  // Run again: the straight tray is passed over, the bare table named again.
+  const CommandRun again = slabber("straighten s.slbs");
+  EXPECT_EQ(again.status, 1);
+  EXPECT_NE(again.out.find("  trays straightened: 0, already straight: 1\n"), std::string::npos) << again.out;
+}
+
+TEST_F(StraightenCliTest, CornersAreForOnePhoto) {
+  ASSERT_EQ(slabber("new s.slbs " + name).status, 0);
+  const CommandRun run = slabber("straighten s.slbs --corners 0,0,10,0,10,10,0,10");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err, "slabber: --corners needs --image: the corners are those of one photo\n");
 }
 
 TEST_F(StraightenCliTest, ImagesAndSessionsThatAreNotThereAreRefused) {
