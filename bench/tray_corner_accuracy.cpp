@@ -3,10 +3,14 @@
 // <folder>/truth.json, the corners found are compared with the true corners
 // of the tray's frame, in pixels of the photograph.
 //
-//   tray_corner_accuracy FOLDER [--verbose]
+//   tray_corner_accuracy FOLDER [--verbose] [--rows]
 //
 // Prints the mean and largest corner error, how many photos were found sure,
 // and the time to read and search a photo (decoding it reduced included).
+// With --rows each photo found sure is also straightened by its corners and
+// its rows are found on the straight tray, then matched with the true rows
+// (intersection over union at least 0.8), as `slabber new --straighten
+// --detect-rows` does.
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -18,8 +22,59 @@
 #include <fstream>
 #include <string>
 
+#include "core/row_detection.h"
 #include "core/tray_corners.h"
+#include "host/image/photo.h"
 #include "host/image/reduced_photo.h"
+
+namespace {
+
+// The picture brought down by whole blocks so that its longer side is at
+// most `longest` (area averaging, as a photo reduced while decoded).
+subsurf::image::Raster reduced(const subsurf::image::Raster& in, int longest) {
+  const int factor = std::max(1, (std::max(in.width(), in.height()) + longest - 1) / longest);
+  subsurf::image::Raster out(in.width() / factor, in.height() / factor);
+  for (int y = 0; y < out.height(); ++y)
+    for (int x = 0; x < out.width(); ++x)
+      for (int k = 0; k < 3; ++k) {
+        int sum = 0;
+        for (int dy = 0; dy < factor; ++dy)
+          for (int dx = 0; dx < factor; ++dx) sum += in.pixel(x * factor + dx, y * factor + dy)[k];
+        out.pixel(x, y)[k] = static_cast<std::uint8_t>(sum / (factor * factor));
+      }
+  return out;
+}
+
+// Rows found on the photo straightened by `corners`, matched with the true
+// rows of the straight tray; returns how many have IoU >= 0.8.
+int rowsFoundStraight(const std::string& path, const subsurf::TrayCorners& corners, const nlohmann::json& entry) {
+  subsurf::image::Photo photo;
+  if (!subsurf::image::Photo::load(path, photo)) return 0;
+  subsurf::image::Raster whole, straight;
+  if (!photo.cut({{0, 0, photo.width(), photo.height()}}, whole)) return 0;
+  const std::uint8_t black[3] = {0, 0, 0};
+  if (!subsurf::image::cutQuadrilateral(whole.view(), corners, straight, black)) return 0;
+  const subsurf::image::Raster small = reduced(straight, subsurf::RowDetector::kWorkingSize);
+  const subsurf::RowDetection found =
+      subsurf::RowDetector().detect(small.view(), straight.width(), straight.height(), 0);
+  // The true rows are given on the straight tray of the true corners; the
+  // corners found make a copy of a slightly different size.
+  const double sx = double(straight.width()) / entry["straight_size"][0].get<double>();
+  const double sy = double(straight.height()) / entry["straight_size"][1].get<double>();
+  int good = 0;
+  for (std::size_t k = 0; k < entry["rows"].size() && k < found.rows.size(); ++k) {
+    const auto& t = entry["rows"][k]["straight"];
+    subsurf::DetectedRow want;
+    want.left = t[0].get<double>() * sx;
+    want.top = t[1].get<double>() * sy;
+    want.right = want.left + t[2].get<double>() * sx;
+    want.bottom = want.top + t[3].get<double>() * sy;
+    good += subsurf::intersectionOverUnion(want, found.rows[k]) >= 0.8;
+  }
+  return found.rows.size() == entry["rows"].size() ? good : std::min<int>(good, 0);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   if (argc < 2) {
@@ -27,7 +82,12 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::filesystem::path folder = argv[1];
-  const bool verbose = argc > 2 && std::strcmp(argv[2], "--verbose") == 0;
+  bool verbose = false, rowsToo = false;
+  for (int i = 2; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--verbose") == 0) verbose = true;
+    if (std::strcmp(argv[i], "--rows") == 0) rowsToo = true;
+  }
+  int rows = 0, rowsRight = 0, photosAllRight = 0;
   std::ifstream in(folder / "truth.json");
   if (!in) {
     std::fprintf(stderr, "tray_corner_accuracy: cannot read %s\n", (folder / "truth.json").c_str());
@@ -74,6 +134,15 @@ int main(int argc, char** argv) {
       within ? ++sureWithin : ++sureOff;
       worstSure = std::max(worstSure, worst);
     }
+    if (rowsToo && found.sure()) {
+      const int count = static_cast<int>(entry["rows"].size());
+      const int good = rowsFoundStraight((folder / file).string(), found.corners, entry);
+      rows += count;
+      rowsRight += good;
+      photosAllRight += good == count;
+    } else if (rowsToo) {
+      rows += static_cast<int>(entry["rows"].size());
+    }
     if (found.found) {
       sumError += mean;
       errors.push_back(mean);
@@ -94,6 +163,9 @@ int main(int argc, char** argv) {
                 sumError / errors.size(), errors[errors.size() / 2], worstSure);
   if (outwardCount > 0)
     std::printf("corners lie on average %.2f px outwards of the true ones\n", outward / outwardCount);
+  if (rowsToo)
+    std::printf("rows on the straight trays with IoU >= 0.8: %d of %d (%.1f%%); photos with every row: %d of %d\n",
+                rowsRight, rows, 100.0 * rowsRight / std::max(1, rows), photosAllRight, photos);
   std::printf("time per photo (reduced decode and search): %.1f ms\n", 1000 * seconds / std::max(1, photos));
   return 0;
 }

@@ -14,6 +14,7 @@
 
 #include "cli_support.h"
 #include "detect_command.h"
+#include "straighten_command.h"
 #include "core/core_session.h"
 #include "core/depth_sources.h"
 #include "core/depth_table.h"
@@ -49,6 +50,7 @@ struct NewOptions {
   bool carry = false;
   bool keepOrder = false;
   bool detectRows = false;
+  bool straighten = false;
 };
 
 struct ShowOptions {
@@ -164,6 +166,8 @@ int runNew(const NewOptions& o) {
   }
 
   CoreSession session;
+  std::vector<std::string> traysToCheck;
+  if (o.straighten) std::printf("Trays straightened:\n");
   for (const std::string& photo : photos) {
     image::PixelSize size;
     if (!image::readPixelSize(photo, size)) return kExitBadInput;  // "Error loading: ..." shown
@@ -171,6 +175,12 @@ int runNew(const NewOptions& o) {
     image->setSourceFile(absolutePath(photo));
     setInteger(image->intSetting(kIntUV), o.uv ? 1 : 0);
     setInteger(image->intSetting(kIntUse), 1);
+    if (o.straighten) {
+      // Rows and templates are laid on the straight tray.
+      const std::string check = straightenByCornersFound(session, *image, session.imageCount());
+      if (!check.empty()) traysToCheck.push_back(check);
+      else if (!image::readPixelSize(image->sourceFile(), size)) return kExitBadInput;
+    }
     if (!o.templateName.empty()) {
       session.applyTemplate(*image, holder, size.width, size.height);
     } else if (o.rows > 0) {
@@ -227,7 +237,8 @@ int runNew(const NewOptions& o) {
   } else {
     std::printf("%s\n", countDepths(session, carried).text().c_str());
   }
-  if (unsure > 0 && status == kExitOk) status = kExitPartial;
+  for (const std::string& line : traysToCheck) std::printf("%s\n", line.c_str());
+  if ((unsure > 0 || !traysToCheck.empty()) && status == kExitOk) status = kExitPartial;
   return status;
 }
 
@@ -461,6 +472,9 @@ void addSessionCommands(CLI::App& app, int& exitCode) {
   base->needs(top);
   make->add_option("--cores", newOptions->cores, "Core rows per tray")->check(CLI::Range(1, kMostBands));
   make->add_flag("--uv", newOptions->uv, "The photographs were taken under ultraviolet light");
+  make->add_flag("--straighten", newOptions->straighten,
+                 "Straighten each tray photographed at an angle first, by the corners found (see `slabber\n"
+                 "straighten`); rows are then laid on the straight copy. Unsure photos are named and kept");
   make->add_flag("--force", newOptions->force, "Replace an existing session file");
   make->callback([newOptions, &exitCode] { exitCode = runNew(*newOptions); });
 

@@ -43,36 +43,6 @@ void printStraightened(int place, const Straightened& done, const std::string& h
                 done.rectanglesRemoved == 1 ? "" : "s");
 }
 
-// Finds the tray's corners in the image's photograph (the original when it
-// was straightened before) and straightens it when sure. Returns false when
-// a person must look: the reason is printed or shown.
-bool straightenFound(CoreSession& session, CoreImage& image, int place, std::vector<std::string>& unsure,
-                     bool& changed) {
-  const TrayOrigin origin = trayOrigin(image);
-  const std::string photo = origin.straightened ? origin.original : split::locatePhoto(image.sourceFile());
-  image::Raster reduced;
-  image::PixelSize full;
-  if (!image::loadReducedPhoto(photo, TrayCornerFinder::kWorkingSize, reduced, full)) {
-    unsure.push_back(fmt::format("check the tray corners of {} (it could not be read)", fileName(photo)));
-    return false;
-  }
-  const TrayCornerDetection found = TrayCornerFinder().find(reduced.view(), full.width, full.height);
-  if (!found.sure()) {
-    std::printf("  %3d %s: tray corners unsure, confidence %.2f\n", place, fileName(photo).c_str(), found.confidence);
-    unsure.push_back(fmt::format("check the tray corners of {} (confidence {:.2f}: {})", fileName(photo),
-                                 found.confidence, found.doubt));
-    return false;
-  }
-  Straightened done;
-  if (!straightenImage(session, image, found.corners, done)) {
-    unsure.push_back(fmt::format("check the tray corners of {} (it could not be straightened)", fileName(photo)));
-    return false;
-  }
-  changed = true;
-  printStraightened(place, done, fmt::format("corners found, confidence {:.2f}", found.confidence));
-  return true;
-}
-
 int runStraighten(const StraightenArgs& args) {
   TrayCorners corners;
   const bool given = args.cornersGiven;
@@ -108,7 +78,9 @@ int runStraighten(const StraightenArgs& args) {
       ++skipped;  // asked for by place, it is straightened again from its original
       continue;
     }
-    straightened += straightenFound(session, image, place, unsure, changed);
+    const std::string check = straightenByCornersFound(session, image, place);
+    if (check.empty()) ++straightened, changed = true;
+    else unsure.push_back(check);
   }
   if (changed && !saveSession(session, options, args.session)) return kExitBadInput;
   std::printf("  trays straightened: %d", straightened);
@@ -120,6 +92,26 @@ int runStraighten(const StraightenArgs& args) {
 }
 
 }  // namespace
+
+std::string straightenByCornersFound(CoreSession& session, CoreImage& image, int place) {
+  const TrayOrigin origin = trayOrigin(image);
+  const std::string photo = origin.straightened ? origin.original : split::locatePhoto(image.sourceFile());
+  image::Raster reduced;
+  image::PixelSize full;
+  if (!image::loadReducedPhoto(photo, TrayCornerFinder::kWorkingSize, reduced, full))
+    return fmt::format("check the tray corners of {} (it could not be read)", fileName(photo));
+  const TrayCornerDetection found = TrayCornerFinder().find(reduced.view(), full.width, full.height);
+  if (!found.sure()) {
+    std::printf("  %3d %s: tray corners unsure, confidence %.2f\n", place, fileName(photo).c_str(), found.confidence);
+    return fmt::format("check the tray corners of {} (confidence {:.2f}: {})", fileName(photo), found.confidence,
+                       found.doubt);
+  }
+  Straightened done;
+  if (!straightenImage(session, image, found.corners, done))  // the reason has been shown
+    return fmt::format("check the tray corners of {} (it could not be straightened)", fileName(photo));
+  printStraightened(place, done, fmt::format("corners found, confidence {:.2f}", found.confidence));
+  return "";
+}
 
 void addStraightenCommand(CLI::App& app, int& exitCode) {
   auto args = std::make_shared<StraightenArgs>();

@@ -11,10 +11,23 @@
 // was, and the exit status is 1.
 #pragma once
 
+#include <string>
+
 #include <CLI/CLI.hpp>
+
+namespace subsurf {
+class CoreSession;
+struct CoreImage;
+}  // namespace subsurf
 
 namespace subsurf::cli {
 
 void addStraightenCommand(CLI::App& app, int& exitCode);
+
+// Finds the tray's corners in the image's photograph (its original when it
+// was straightened before) and, when sure, straightens it, printing one
+// line (`place` is the image's place in the session). Returns "" when done,
+// else the line "check the tray corners of <photo> (...)" for a person.
+std::string straightenByCornersFound(CoreSession& session, CoreImage& image, int place);
 
 }  // namespace subsurf::cli

@@ -11,6 +11,9 @@
 
 #include <fmt/format.h>
 
+#include "core/core_session.h"
+#include "core/row_detection.h"
+#include "core/session_files.h"
 #include "core/tray_straightening.h"
 #include "host/drawing/perspective_tray.h"
 #include "host/image/image_writer.h"
@@ -284,6 +287,40 @@ TEST_F(StraightenCliTest, WithoutCornersSureTraysAreStraightenedAndTheOthersName
   const CommandRun again = slabber("straighten s.slbs");
   EXPECT_EQ(again.status, 1);
   EXPECT_NE(again.out.find("  trays straightened: 0, already straight: 1\n"), std::string::npos) << again.out;
+}
+
+TEST_F(StraightenCliTest, NewStraightensFindsTheRowsOnTheStraightTrayAndTheSplitCutsThem) {
+  const CommandRun made = slabber("new s.slbs " + name + " --depths-from-names --straighten --detect-rows");
+  ASSERT_EQ(made.status, 0) << made.out << made.err;
+  EXPECT_NE(made.out.find("Trays straightened:\n    1 " + name + ": corners found, confidence "), std::string::npos)
+      << made.out;
+  const int rows = static_cast<int>(tray.flat.rows.size());
+  EXPECT_NE(made.out.find(fmt::format("s.slbs: 1 image, {} rows\n", rows)), std::string::npos) << made.out;
+
+  // Each row laid matches the true compartment, scaled onto the straight copy.
+  CoreSession session;
+  SessionOptions options;
+  ASSERT_TRUE(readSession(session, options, dir.file("s.slbs")));
+  CoreImage& image = *session.imageAt(1);
+  image::Photo straight;
+  ASSERT_TRUE(image::Photo::load(image.sourceFile(), straight));
+  const image::PixelBox& frame = tray.flat.trayBox;
+  const double sx = double(straight.width()) / frame.width, sy = double(straight.height()) / frame.height;
+  const std::vector<CoreRectangle*> laid = CoreSession::rectangles(image);
+  ASSERT_EQ(static_cast<int>(laid.size()), rows);
+  for (int k = 0; k < rows; ++k) {
+    const image::PixelBox& b = tray.flat.rows[k].compartment;
+    DetectedRow want{(b.left - frame.left) * sx, (b.top - frame.top) * sy, (b.right() - frame.left) * sx,
+                     (b.bottom() - frame.top) * sy};
+    const Polygon& p = laid[k]->polygon;
+    DetectedRow got{double(std::min(p.px[0], p.px[2])), double(std::min(p.py[0], p.py[2])),
+                    double(std::max(p.px[0], p.px[2])), double(std::max(p.py[0], p.py[2]))};
+    EXPECT_GE(intersectionOverUnion(want, got), 0.8) << "row " << k + 1;
+  }
+
+  const CommandRun split = slabber("split s.slbs --out rows --format jpg --no");
+  EXPECT_EQ(split.status, 0) << split.out << split.err;
+  EXPECT_NE(split.out.find(fmt::format("rows:          {} written of {}", rows, rows)), std::string::npos) << split.out;
 }
 
 TEST_F(StraightenCliTest, CornersAreForOnePhoto) {
