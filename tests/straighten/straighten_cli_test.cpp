@@ -323,6 +323,31 @@ TEST_F(StraightenCliTest, NewStraightensFindsTheRowsOnTheStraightTrayAndTheSplit
   EXPECT_NE(split.out.find(fmt::format("rows:          {} written of {}", rows, rows)), std::string::npos) << split.out;
 }
 
+TEST_F(StraightenCliTest, NewNamesThePhotosWhoseCornersAreUnsureAndKeepsThemAsTheyAre) {
+  image::Raster table(600, 400);
+  for (int y = 0; y < 400; ++y)
+    for (int x = 0; x < 600; ++x) drawing::tableColourAt(spec.tray, x, y, table.pixel(x, y));
+  ASSERT_TRUE(image::writeImage(table.view(), dir.file("TRAY_0600_0-0601_0.png"), image::ImageFormat::Png));
+  const CommandRun made = slabber("new s.slbs " + name + " TRAY_0600_0-0601_0.png --straighten --rows 2");
+  EXPECT_EQ(made.status, 1) << made.out << made.err;
+  EXPECT_NE(made.out.find("check the tray corners of TRAY_0600_0-0601_0.png (confidence 0.00: no tray stands out "
+                          "from the table)\n"),
+            std::string::npos)
+      << made.out;
+  // Bands laid on the straight copy of the one, on the photo itself of the other.
+  CoreSession session;
+  SessionOptions options;
+  ASSERT_TRUE(readSession(session, options, dir.file("s.slbs")));
+  EXPECT_EQ(session.imageAt(1)->sourceFile(), dir.file(stem() + "-straight.png"));
+  EXPECT_EQ(session.imageAt(2)->sourceFile(), dir.file("TRAY_0600_0-0601_0.png"));
+  image::Photo straight;
+  ASSERT_TRUE(image::Photo::load(dir.file(stem() + "-straight.png"), straight));
+  const Polygon& band = session.imageAt(1)->rectangles->polygon;
+  EXPECT_EQ(*std::max_element(band.px.begin(), band.px.end()), straight.width());
+  const Polygon& plain = session.imageAt(2)->rectangles->polygon;
+  EXPECT_EQ(*std::max_element(plain.px.begin(), plain.px.end()), 600);
+}
+
 TEST_F(StraightenCliTest, CornersAreForOnePhoto) {
   ASSERT_EQ(slabber("new s.slbs " + name).status, 0);
   const CommandRun run = slabber("straighten s.slbs --corners 0,0,10,0,10,10,0,10");
