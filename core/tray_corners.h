@@ -3,24 +3,28 @@
 //
 // A tray lies on a table, and the photographer leaves some table all round
 // it. The finder works on the photograph reduced to some 1000 pixels:
-//   1. Table: the colour of the photograph's border (its median), and how
-//      much the table varies there.
-//   2. Tray: the pixels that differ from the table by more than the table
-//      varies (a threshold between the two, by Otsu's rule); the largest
-//      connected patch of them, holes filled, is the tray.
+//   1. Table: the median colour of the photograph's border, and how much the
+//      table varies there. A colour's distance from the table counts the
+//      table in shadow (the table's colour, darker) for little, so that the
+//      tray's shadow does not join the tray.
+//   2. Tray: the pixels further from the table than it varies (at least 20
+//      levels); the largest connected patch of them, with whatever lies
+//      between its ends along every row and column (a tray is convex).
 //   3. Outline: the patch's convex hull, cut down to four sides by dropping,
 //      one at a time, the side whose removal adds the least area.
-//   4. Sides: along each of the four sides, the sharpest colour edge across
-//      it nearby (the tray's rim is sharp; its shadow on the table is soft),
-//      found at many places, gives points to which a straight line is
-//      fitted, those far off it left out; the corners are where neighbouring
-//      lines meet.
+//   4. Sides: at 80 places along each side, looking inwards from outside,
+//      the first point that is not table is the rim (or something lying on
+//      it, such as a label); the sharpest colour change within 1.5 pixels of
+//      it places the edge. The line through two of these points that most of
+//      them lie on (within a pixel) is fitted to those points; the corners
+//      are where neighbouring lines meet.
 //
-// Confidence (0 to 1) multiplies how many of each side's points lie on its
-// line (the weakest side counts), how well the four-sided outline fills the
-// patch and the patch it, and whether the tray stays clear of the
-// photograph's edges. Below kConfidenceThreshold a person must mark the
-// corners.
+// Confidence (0 to 1) multiplies how much of its weakest side lies on its
+// line (60% or more gives full marks; a line not seen at both ends of its
+// side counts as none), how well the patch fills the four-sided outline
+// (94% or more), and whether the tray stays clear of the photograph's edges
+// (a tray running off the photo is always left for a person). Below
+// kConfidenceThreshold a person must mark the corners.
 #pragma once
 
 #include <string>
