@@ -117,17 +117,20 @@ void addStraightenCommand(CLI::App& app, int& exitCode) {
   auto args = std::make_shared<StraightenArgs>();
   CLI::App* cmd = app.add_subcommand(
       "straighten",
-      "Straighten a tray photographed at an angle: map its four corners onto an upright rectangle, write the "
-      "straight copy beside the photo as NAME-straight.EXT (the photo itself is never changed) and point the "
-      "image at it; rows, templates, detect and split then work on the straight tray");
+      "Straighten a tray photographed at an angle: map its four corners onto an upright rectangle, write the\n"
+      "straight copy beside the photo as NAME-straight.EXT (the photo itself is never changed) and point the\n"
+      "image at it; rows, templates, detect and split then work on the straight tray. Exit status 0 when done,\n"
+      "1 when some photos' corners must be checked, 2 for bad input");
   cmd->add_option("session", args->session, "Session file (.slbs)")->required();
   cmd->add_option("--image", args->image,
-                  "Place of the image (from 1); without it every image not yet straightened, by the corners found")
+                  "Place of the image (from 1); without it every image not yet straightened,\n"
+                  "by the corners found")
       ->check(CLI::PositiveNumber);
   CLI::Option* corners = cmd->add_option("--corners", args->corners,
-                  "The tray's corners in pixels of the original photo, in order round the tray from any corner: "
-                  "x1,y1,x2,y2,x3,y3,x4,y4. Without it the corners are found in the photo; a photo whose corners "
-                  "are unsure is named (\"check the tray corners of ...\"), left as it is, and the exit status is 1");
+                  "The tray's corners in pixels of the original photo, in order round the tray\n"
+                  "from any corner: x1,y1,x2,y2,x3,y3,x4,y4. Without it the corners are found in\n"
+                  "the photo; a photo whose corners are unsure is named (\"check the tray corners\n"
+                  "of ...\"), left as it is, and the exit status is 1");
   cmd->callback([args, corners, &exitCode] {
     args->cornersGiven = corners->count() > 0;
     exitCode = runStraighten(*args);
