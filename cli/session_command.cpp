@@ -165,6 +165,20 @@ int runNew(const NewOptions& o) {
     });
   }
 
+  // A straightened copy beside its original (from an earlier `straighten`)
+  // is not a tray of its own: the original is taken.
+  {
+    std::vector<std::string> kept;
+    for (const std::string& photo : photos) {
+      const auto original = std::find_if(photos.begin(), photos.end(), [&](const std::string& other) {
+        return straightenedCopyPath(other) == photo;
+      });
+      if (original == photos.end()) kept.push_back(photo);
+      else std::printf("skipped %s: the straightened copy of %s\n", photo.c_str(), original->c_str());
+    }
+    photos = std::move(kept);
+  }
+
   CoreSession session;
   std::vector<std::string> traysToCheck;
   if (o.straighten) std::printf("Trays straightened:\n");

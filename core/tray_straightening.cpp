@@ -124,6 +124,10 @@ std::string straightenedCopyPath(std::string_view original) {
   return fmt::format("{}-straight{}", original.substr(0, dot), original.substr(dot));
 }
 
+std::string straightenedCopyDescription(std::string_view original) {
+  return fmt::format("subsurf straightened copy of {}", original.substr(split::fileNameStart(original)));
+}
+
 TrayOrigin trayOrigin(const CoreImage& image) {
   TrayOrigin origin;
   const std::string name = trimBlanks(fixedText(image.files[kTrayOriginalFile - 1].V));
@@ -153,8 +157,11 @@ Status straightenImage(CoreSession& session, CoreImage& image, TrayCorners corne
   std::error_code ec;
   if (origin.straightened && !std::filesystem::exists(out.original, ec))
     return fail(fmt::format("{}: the original of {} is missing", out.original, current));
-  // Only this image's own earlier copy may be replaced.
-  if (std::filesystem::exists(out.copy, ec) && !(origin.straightened && out.copy == current))
+  // Only an earlier copy of this photo may be replaced: this image's own, or
+  // a JPEG copy that says whose copy it is.
+  const std::string description = straightenedCopyDescription(out.original);
+  if (std::filesystem::exists(out.copy, ec) && !(origin.straightened && out.copy == current) &&
+      image::readImageDescription(out.copy) != description)
     return fail(fmt::format("{} already exists and is not this image's straightened copy; move it away first",
                             out.copy));
 
@@ -175,6 +182,7 @@ Status straightenImage(CoreSession& session, CoreImage& image, TrayCorners corne
   image::WriteOptions options;
   options.jpegQuality = 95;
   options.jpegFullChroma = true;  // thin dark fractures keep their colour edges
+  options.description = description;
   s = image::writeImage(straight.view(), out.copy, *format, options);
   if (!s) return s;
 

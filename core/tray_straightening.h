@@ -15,7 +15,9 @@
 // "x1,y1,x2,y2" and "x3,y3,x4,y4"). These are ordinary image settings, which
 // older readers carry along without knowing them. Straightening such an image
 // again starts from the original, with corners in the original's pixels, and
-// may replace the copy; any other file at the copy's name is left alone.
+// may replace the copy. A JPEG copy also says whose copy it is (EXIF
+// "ImageDescription"), so a new session may replace it too; any other file
+// at the copy's name is left alone.
 #pragma once
 
 #include <array>
@@ -55,6 +57,9 @@ std::string cornersText(const TrayCorners& corners);
 
 // The copy's path for an original: "dir/STEM-straight.EXT".
 std::string straightenedCopyPath(std::string_view original);
+// What a JPEG copy says of itself (its EXIF "ImageDescription"):
+// "subsurf straightened copy of STEM.jpg".
+std::string straightenedCopyDescription(std::string_view original);
 
 // Where an image's photograph came from, when it is a straightened copy.
 struct TrayOrigin {

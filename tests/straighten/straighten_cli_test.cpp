@@ -247,6 +247,35 @@ TEST_F(StraightenCliTest, JpegCopiesAreHighQualityWithFullColourResolution) {
   for (int k = 0; k < 3; ++k) EXPECT_EQ(static_cast<unsigned char>(bytes[sof + 11 + 3 * k]), 0x11u) << "component " << k;
 }
 
+TEST_F(StraightenCliTest, AJpegCopySaysWhoseCopyItIsSoANewSessionMayReplaceIt) {
+  const std::string jpeg = stem() + ".jpg", copy = stem() + "-straight.jpg";
+  ASSERT_TRUE(image::writeImage(tray.photo.view(), dir.file(jpeg), image::ImageFormat::Jpeg));
+  ASSERT_EQ(slabber("new s.slbs " + jpeg).status, 0);
+  ASSERT_EQ(slabber("straighten s.slbs --image 1 --corners " + cornersArgument(tray.corners)).status, 0);
+  EXPECT_EQ(image::readImageDescription(dir.file(copy)), "subsurf straightened copy of " + jpeg);
+
+  // A new session over the same folder: the copy is passed over as a photo,
+  // and straightening the original again replaces it.
+  const CommandRun made = slabber("new t.slbs " + jpeg + " " + copy + " --straighten");
+  EXPECT_EQ(made.status, 0) << made.out << made.err;
+  EXPECT_NE(made.out.find("skipped " + copy + ": the straightened copy of " + jpeg + "\n"), std::string::npos)
+      << made.out;
+  EXPECT_NE(made.out.find("t.slbs: 1 image, 0 rows\n"), std::string::npos) << made.out;
+  EXPECT_NE(made.out.find("    1 " + jpeg + ": corners found, confidence "), std::string::npos) << made.out;
+
+  // A JPEG at the copy's name that is someone's own picture is not replaced
+  // (a session whose image is not pointed at it).
+  fs::remove(dir.file(copy));
+  ASSERT_TRUE(image::writeImage(tray.flat.pixels.view(), dir.file(copy), image::ImageFormat::Jpeg));
+  const std::string own = testing::TempDir::read(dir.file(copy));
+  ASSERT_EQ(slabber("new u.slbs " + jpeg).status, 0);
+  const CommandRun refused = slabber("straighten u.slbs --image 1 --corners " + cornersArgument(tray.corners));
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_NE(refused.err.find(copy + " already exists and is not this image's straightened copy"), std::string::npos)
+      << refused.err;
+  EXPECT_TRUE(testing::TempDir::read(dir.file(copy)) == own);
+}
+
 TEST_F(StraightenCliTest, WithoutCornersSureTraysAreStraightenedAndTheOthersNamedForAPerson) {
   // A second photograph of the bare table: no tray to find.
   image::Raster table(tray.photo.width(), tray.photo.height());
