@@ -9,6 +9,7 @@
 //   make_sample_trays --out data/samples --count 3
 //   make_sample_trays --out /tmp/bench --width 6000 --height 4000 --count 1
 //   make_sample_trays --out /tmp/varied --count 60 --varied
+//   make_sample_trays --out /tmp/angled --count 20 --perspective
 //
 // With --varied every tray differs (material, rows, orientation, chart and
 // board, camera angle, light, ultraviolet); the true compartments of the rows
@@ -16,6 +17,7 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -24,6 +26,7 @@
 #include <fmt/format.h>
 
 #include "host/atomic_file.h"
+#include "host/drawing/perspective_tray.h"
 #include "host/drawing/sample_tray.h"
 #include "host/drawing/varied_tray.h"
 #include "host/image/image_writer.h"
@@ -38,7 +41,7 @@ int run(int argc, char** argv) {
   std::uint64_t seed = 1;
   std::string well = "SUBSURF-1";
   std::string layoutPath;
-  bool varied = false;
+  bool varied = false, perspective = false;
   app.add_option("-o,--out", outDir, "Folder for the photographs")->capture_default_str();
   app.add_option("--width", width, "Photograph width in pixels")->capture_default_str()->check(CLI::Range(64, 30000));
   app.add_option("--height", height, "Photograph height in pixels")->capture_default_str()->check(CLI::Range(64, 30000));
@@ -51,6 +54,10 @@ int run(int argc, char** argv) {
   app.add_option("--quality", quality, "JPEG quality")->capture_default_str()->check(CLI::Range(1, 100));
   app.add_option("--layout", layoutPath, "JSON file for the row rectangles (default: <out>/trays.json)");
   app.add_flag("--varied", varied, "Draw a varied set and write the true compartments to <out>/truth.json");
+  app.add_flag("--perspective", perspective,
+               "Draw trays photographed at an angle, and square on under <out>/flat, with the truth in "
+               "<out>/truth.json")
+      ->excludes("--varied");
   CLI11_PARSE(app, argc, argv);
 
   std::error_code ec;
@@ -59,11 +66,17 @@ int run(int argc, char** argv) {
     std::cerr << "make_sample_trays: cannot create " << outDir << ": " << ec.message() << "\n";
     return 2;
   }
+  if (perspective) std::filesystem::create_directories(std::filesystem::path(outDir) / "flat", ec);
+  if (ec) {
+    std::cerr << "make_sample_trays: cannot create " << outDir << "/flat: " << ec.message() << "\n";
+    return 2;
+  }
   if (layoutPath.empty())
-    layoutPath = (std::filesystem::path(outDir) / (varied ? "truth.json" : "trays.json")).string();
+    layoutPath =
+        (std::filesystem::path(outDir) / (varied || perspective ? "truth.json" : "trays.json")).string();
 
   nlohmann::json layout = nlohmann::json::array();
-  if (!varied) std::cout << "file,row,top,base,left,top_px,width,height\n";
+  if (!varied && !perspective) std::cout << "file,row,top,base,left,top_px,width,height\n";
   double trayTop = top;
   for (int i = 0; varied && i < count; ++i) {
     const auto spec = subsurf::drawing::variedTraySpec(seed * 1000 + static_cast<std::uint64_t>(i), width, height,
@@ -97,7 +110,60 @@ int run(int argc, char** argv) {
     layout.push_back(entry);
     trayTop = tray.base;
   }
-  for (int i = 0; !varied && i < count; ++i) {
+  for (int i = 0; perspective && i < count; ++i) {
+    const auto spec = subsurf::drawing::perspectiveTraySpec(seed * 1000 + static_cast<std::uint64_t>(i), width,
+                                                            height, trayTop, well);
+    const subsurf::drawing::PerspectiveTray tray = subsurf::drawing::renderPerspectiveTray(spec);
+    const std::string name = subsurf::drawing::sampleTrayFileName(tray.flat.top, tray.flat.base);
+    subsurf::image::WriteOptions options;
+    options.jpegQuality = quality;
+    const std::filesystem::path out(outDir);
+    if (!subsurf::image::writeImage(tray.photo.view(), (out / name).string(), subsurf::image::ImageFormat::Jpeg,
+                                    options) ||
+        !subsurf::image::writeImage(tray.flat.pixels.view(), (out / "flat" / name).string(),
+                                    subsurf::image::ImageFormat::Jpeg, options)) {
+      return 1;
+    }
+    // Straightened, the frame becomes an upright rectangle as wide as its
+    // longer long side and as high as its longer short side: the flat tray
+    // scaled, so its rows scale with it.
+    const auto& c = tray.corners;
+    auto length = [](subsurf::image::PlanePoint a, subsurf::image::PlanePoint b) {
+      return std::hypot(b.x - a.x, b.y - a.y);
+    };
+    const long straightWidth = std::lround(std::max(length(c[0], c[1]), length(c[3], c[2])));
+    const long straightHeight = std::lround(std::max(length(c[1], c[2]), length(c[0], c[3])));
+    const subsurf::image::PixelBox& frame = tray.flat.trayBox;
+    const double sx = double(straightWidth) / frame.width, sy = double(straightHeight) / frame.height;
+    nlohmann::json corners = nlohmann::json::array();
+    for (const auto& p : c) corners.push_back({std::round(p.x * 100) / 100, std::round(p.y * 100) / 100});
+    nlohmann::json entry = {{"file", name},
+                            {"flat", "flat/" + name},
+                            {"width", tray.photo.width()},
+                            {"height", tray.photo.height()},
+                            {"top", tray.flat.top},
+                            {"base", tray.flat.base},
+                            {"description", subsurf::drawing::describeSpec(spec)},
+                            {"corners", corners},
+                            {"flat_tray", {frame.left, frame.top, frame.width, frame.height}},
+                            {"straight_size", {straightWidth, straightHeight}},
+                            {"rows", nlohmann::json::array()}};
+    for (const auto& row : tray.flat.rows) {
+      const subsurf::image::PixelBox& b = row.compartment;
+      entry["rows"].push_back({{"row", row.index},
+                               {"top", row.top},
+                               {"base", row.base},
+                               {"flat", {b.left, b.top, b.width, b.height}},
+                               {"straight",
+                                {std::round((b.left - frame.left) * sx * 10) / 10,
+                                 std::round((b.top - frame.top) * sy * 10) / 10, std::round(b.width * sx * 10) / 10,
+                                 std::round(b.height * sy * 10) / 10}}});
+    }
+    std::cout << name << ": " << entry["description"].get<std::string>() << "\n";
+    layout.push_back(entry);
+    trayTop = tray.flat.base;
+  }
+  for (int i = 0; !varied && !perspective && i < count; ++i) {
     subsurf::drawing::SampleTraySpec spec;
     spec.width = width;
     spec.height = height;

@@ -14,6 +14,7 @@
 
 #include "cli_support.h"
 #include "detect_command.h"
+#include "straighten_command.h"
 #include "core/core_session.h"
 #include "core/depth_sources.h"
 #include "core/depth_table.h"
@@ -22,6 +23,7 @@
 #include "core/name_depths.h"
 #include "core/output_guard.h"
 #include "core/session_files.h"
+#include "core/tray_straightening.h"
 #include "core/split_naming.h"
 #include "host/fixed_text.h"
 #include "host/image/photo.h"
@@ -50,6 +52,7 @@ struct NewOptions {
   bool carry = false;
   bool keepOrder = false;
   bool detectRows = false;
+  bool straighten = false;
 };
 
 struct ShowOptions {
@@ -165,7 +168,23 @@ int runNew(const NewOptions& o) {
     });
   }
 
+  // A straightened copy beside its original (from an earlier `straighten`)
+  // is not a tray of its own: the original is taken.
+  {
+    std::vector<std::string> kept;
+    for (const std::string& photo : photos) {
+      const auto original = std::find_if(photos.begin(), photos.end(), [&](const std::string& other) {
+        return straightenedCopyPath(other) == photo;
+      });
+      if (original == photos.end()) kept.push_back(photo);
+      else std::printf("skipped %s: the straightened copy of %s\n", photo.c_str(), original->c_str());
+    }
+    photos = std::move(kept);
+  }
+
   CoreSession session;
+  std::vector<std::string> traysToCheck;
+  if (o.straighten) std::printf("Trays straightened:\n");
   for (const std::string& photo : photos) {
     image::PixelSize size;
     if (!image::readPixelSize(photo, size)) return kExitBadInput;  // "Error loading: ..." shown
@@ -173,6 +192,12 @@ int runNew(const NewOptions& o) {
     image->setSourceFile(absolutePath(photo));
     setInteger(image->intSetting(kIntUV), o.uv ? 1 : 0);
     setInteger(image->intSetting(kIntUse), 1);
+    if (o.straighten) {
+      // Rows and templates are laid on the straight tray.
+      const std::string check = straightenByCornersFound(session, *image, session.imageCount());
+      if (!check.empty()) traysToCheck.push_back(check);
+      else if (!image::readPixelSize(image->sourceFile(), size)) return kExitBadInput;
+    }
     if (!o.templateName.empty()) {
       session.applyTemplate(*image, holder, size.width, size.height);
     } else if (o.rows > 0) {
@@ -229,7 +254,8 @@ int runNew(const NewOptions& o) {
   } else {
     std::printf("%s\n", countDepths(session, carried).text().c_str());
   }
-  if (unsure > 0 && status == kExitOk) status = kExitPartial;
+  for (const std::string& line : traysToCheck) std::printf("%s\n", line.c_str());
+  if ((unsure > 0 || !traysToCheck.empty()) && status == kExitOk) status = kExitPartial;
   return status;
 }
 
@@ -316,6 +342,9 @@ int runShow(const ShowOptions& o) {
                 wTop, depthText(image->realValue(kRealTop)).c_str(), wBase, depthText(image->realValue(kRealBase)).c_str(),
                 wLength, depthText(image->realValue(kRealCoreLength)).c_str(),
                 countText(image->intValue(kIntCoreNumber)).c_str(), CoreSession::rectangleCount(*image));
+    if (const TrayOrigin origin = trayOrigin(*image); origin.straightened)
+      std::printf("     straightened from %s, tray corners %s\n", fileNameOf(origin.original).c_str(),
+                  cornersText(origin.corners).c_str());
     if (!o.rows) continue;
     int row = 0;
     for (const RowDepths& d : session.rowDepths(*image)) {
@@ -473,6 +502,9 @@ void addSessionCommands(CLI::App& app, int& exitCode) {
   base->needs(top);
   make->add_option("--cores", newOptions->cores, "Core rows per tray")->check(CLI::Range(1, kMostBands));
   make->add_flag("--uv", newOptions->uv, "The photographs were taken under ultraviolet light");
+  make->add_flag("--straighten", newOptions->straighten,
+                 "Straighten each tray photographed at an angle first, by the corners found (see `slabber\n"
+                 "straighten`); rows are then laid on the straight copy. Unsure photos are named and kept");
   make->add_flag("--force", newOptions->force, "Replace an existing session file");
   make->callback([newOptions, &exitCode] { exitCode = runNew(*newOptions); });
 

@@ -9,6 +9,7 @@
 #include "rows_command.h"
 #include "session_command.h"
 #include "split_command.h"
+#include "straighten_command.h"
 
 int main(int argc, char** argv) {
   subsurf::cli::installTerminalHost("slabber");
@@ -23,5 +24,6 @@ int main(int argc, char** argv) {
   subsurf::cli::addRowsCommand(app, exitCode);
   subsurf::cli::addEditCommand(app, exitCode);
   subsurf::cli::addDetectCommand(app, exitCode);
+  subsurf::cli::addStraightenCommand(app, exitCode);
   return subsurf::cli::runApp(app, argc, argv, exitCode);
 }

@@ -495,8 +495,11 @@ Reading readAcross(const Gray& g, int expected) {
       const double shift = slope * (x - g.w / 2.0);
       const int yt = static_cast<int>(std::lround(row.top + shift));
       const int yb = static_cast<int>(std::lround(row.bottom - 1 + shift));
-      if (yt >= 2 && yt < g.h - 2) wall[x] += g.at(x, yt - 2) - g.at(x, yt + 2);
-      if (yb >= 2 && yb < g.h - 2) wall[x] += g.at(x, yb + 2) - g.at(x, yb - 2);
+      // Only edges darker going in count: a label lying across a wall (a
+      // depth tag at the start of a row) is brighter inside, and would
+      // otherwise cancel the row's other wall and cut the row short there.
+      if (yt >= 2 && yt < g.h - 2) wall[x] += std::max(0.0f, g.at(x, yt - 2) - g.at(x, yt + 2));
+      if (yb >= 2 && yb < g.h - 2) wall[x] += std::max(0.0f, g.at(x, yb + 2) - g.at(x, yb - 2));
     }
   }
   wall = smoothed(wall, std::max(1, g.w / 100));

@@ -413,14 +413,19 @@ void paintPixels(std::uint32_t* data, int stride, const Layout& L, std::uint32_t
 }
 
 // Lighting of the whole picture and a little sensor noise, as a camera gives.
+// The lamps' light at (x, y): falling off from the centre of the picture,
+// a little brighter to the right.
+double lampLight(double x, double y, int width, int height) {
+  const double cx = width / 2.0, cy = height / 2.0;
+  const double d2 = ((x - cx) * (x - cx) + (y - cy) * (y - cy)) / (cx * cx + cy * cy);
+  return std::max(0.3, 1.0 - 0.22 * d2) * (1.0 + 0.05 * (x / width - 0.5));
+}
+
 void finishPixels(std::uint32_t* data, int stride, const Layout& L, std::uint32_t seed) {
-  const double cx = L.width / 2.0, cy = L.height / 2.0;
-  const double rr = cx * cx + cy * cy;
   for (int y = 0; y < L.height; ++y) {
     std::uint32_t* row = data + static_cast<std::size_t>(y) * stride;
     for (int x = 0; x < L.width; ++x) {
-      const double d2 = ((x - cx) * (x - cx) + (y - cy) * (y - cy)) / rr;
-      const double light = (1.0 - 0.22 * d2) * (1.0 + 0.05 * (static_cast<double>(x) / L.width - 0.5));
+      const double light = lampLight(x, y, L.width, L.height);
       const std::uint32_t h = hash2(x, y, seed + 4242u);
       const double n0 = ((h & 0xff) - 127.5) / 127.5 * 3.0;
       const double n1 = (((h >> 8) & 0xff) - 127.5) / 127.5 * 3.0;
@@ -649,6 +654,17 @@ void drawSideObjects(cairo_t* cr, const Layout& L, const SampleTraySpec& spec, R
 
 }  // namespace
 
+void tableColourAt(const SampleTraySpec& spec, double x, double y, std::uint8_t rgb[3]) {
+  // The unit and seed as renderSampleTray takes them.
+  const double u = std::min(std::max(64, spec.width) / 2400.0, std::max(64, spec.height) / 1600.0);
+  const Rgb table = backgroundColour(x, y, u, static_cast<std::uint32_t>(spec.seed * 2654435761u));
+  const double light = lampLight(x, y, std::max(64, spec.width), std::max(64, spec.height));
+  const std::uint32_t c = pack(Rgb{table.r * light * 1.02, table.g * light, table.b * light * 0.96});
+  rgb[0] = static_cast<std::uint8_t>(c >> 16);
+  rgb[1] = static_cast<std::uint8_t>(c >> 8);
+  rgb[2] = static_cast<std::uint8_t>(c);
+}
+
 std::string sampleTrayFileName(double top, double base) {
   auto part = [](double depth) {
     const long long tenths = std::llround(depth * 10.0);
@@ -717,6 +733,7 @@ SampleTray renderSampleTray(const SampleTraySpec& spec) {
     row.compartment = {L.channelLeft, r.channelTop, L.channelRight - L.channelLeft, r.channelBottom - r.channelTop};
     tray.rows.push_back(row);
   }
+  tray.trayBox = {L.trayLeft, L.trayTop, L.trayRight - L.trayLeft, L.trayBottom - L.trayTop};
   return tray;
 }
 

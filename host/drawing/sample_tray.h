@@ -60,10 +60,16 @@ struct SampleTray {
   double top = 0.0;
   double base = 0.0;
   std::vector<SampleRow> rows;
+  image::PixelBox trayBox;  // the tray's outer frame
 };
 
 // Draws one tray photograph.
 SampleTray renderSampleTray(const SampleTraySpec& spec);
+
+// The colour of the table round the tray of `spec` at pixel (x, y) of its
+// photograph, without the tray's shadow; also beyond the photograph's edges,
+// as if the table went on.
+void tableColourAt(const SampleTraySpec& spec, double x, double y, std::uint8_t rgb[3]);
 
 // "TRAY_1234_5-1239_5.jpg": the depths to one decimal, four digits before it.
 std::string sampleTrayFileName(double top, double base);

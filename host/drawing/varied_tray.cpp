@@ -3,29 +3,23 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <random>
 
 #include <fmt/format.h>
+
+#include "host/drawing/seeded_choice.h"
 
 namespace subsurf::drawing {
 namespace {
 
-// The engine's raw output is fixed by the standard; the distributions are
-// not, so the choices are made from the raw bits.
-struct Chooser {
-  std::mt19937_64 engine;
-  explicit Chooser(std::uint64_t seed) : engine(seed * 0x9E3779B97F4A7C15ull + 12345) {}
-  double uniform(double a, double b) { return a + (b - a) * ((engine() >> 11) * 0x1.0p-53); }
-  int between(int a, int b) { return a + static_cast<int>(engine() % static_cast<std::uint64_t>(b - a + 1)); }
-  bool chance(double p) { return uniform(0, 1) < p; }
-};
+// Seeds of this set start the engine here (kept, so the set stays the same).
+SeededChoice chooserFor(std::uint64_t seed) { return SeededChoice(seed * 0x9E3779B97F4A7C15ull + 12345); }
 
 image::PlanePoint turnQuarterAnticlockwise(image::PlanePoint p, double width) { return {p.y, width - p.x}; }
 
 }  // namespace
 
 VariedTraySpec variedTraySpec(std::uint64_t seed, int width, int height, double topDepth, const std::string& well) {
-  Chooser c(seed);
+  SeededChoice c = chooserFor(seed);
   VariedTraySpec s;
   s.tray.width = width;
   s.tray.height = height;

@@ -69,9 +69,16 @@ Status writeThroughVips(const RasterView& pixels, AtomicOutput& out, ImageFormat
       case ImageFormat::Png:
         packed.pngsave(temp);
         break;
-      case ImageFormat::Jpeg:
-        packed.jpegsave(temp, vips::VImage::option()->set("Q", std::clamp(options.jpegQuality, 1, 100)));
+      case ImageFormat::Jpeg: {
+        vips::VImage tagged = packed.copy();  // a new header; the pixels are not copied
+        if (!options.description.empty())
+          tagged.set("exif-ifd0-ImageDescription", options.description.c_str());
+        tagged.jpegsave(temp, vips::VImage::option()
+                                  ->set("Q", std::clamp(options.jpegQuality, 1, 100))
+                                  ->set("subsample_mode", options.jpegFullChroma ? VIPS_FOREIGN_SUBSAMPLE_OFF
+                                                                                 : VIPS_FOREIGN_SUBSAMPLE_AUTO));
         break;
+      }
       case ImageFormat::Tiff:
         packed.tiffsave(temp);
         break;

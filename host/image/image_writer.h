@@ -27,6 +27,8 @@ std::string_view formatSuffix(ImageFormat format);
 
 struct WriteOptions {
   int jpegQuality = 90;  // 1..100
+  bool jpegFullChroma = false;  // colour kept at full resolution (no 4:2:0 subsampling)
+  std::string description;      // JPEG: written as the EXIF "ImageDescription" when not empty
 };
 
 // Writes rows to path in the given format.

@@ -197,6 +197,25 @@ const VImage& Photo::uprightImage() const {
   return impl_ ? impl_->upright : none;
 }
 
+std::string readImageDescription(const std::string& path) {
+  if (!ensureVips() || vips_foreign_find_load(path.c_str()) == nullptr) {
+    vips_error_clear();
+    return "";
+  }
+  try {
+    const VImage header = VImage::new_from_file(path.c_str());
+    constexpr const char* kField = "exif-ifd0-ImageDescription";
+    if (header.get_typeof(kField) == 0) return "";
+    std::string text = header.get_string(kField);
+    // libvips shows the value followed by " (<value>, ASCII, <n> components, <n> bytes)".
+    if (const auto at = text.rfind(" ("); at != std::string::npos && text.ends_with(")")) text.erase(at);
+    return text;
+  } catch (const VError&) {
+    vips_error_clear();
+    return "";
+  }
+}
+
 Status readPixelSize(const std::string& path, PixelSize& size) {
   size = {};
   if (Status s = ensureVips(); !s) return reportPhotoFailure(kErrorLoading, path, s.message());

@@ -33,6 +33,11 @@ struct PixelSize {
 // On failure shows "Error loading: <file> (<reason>)" and returns it.
 Status readPixelSize(const std::string& path, PixelSize& size);
 
+// The picture's own description, read from its header: a JPEG's EXIF
+// "ImageDescription" (see WriteOptions::description). Empty when it has none
+// or cannot be read; nothing is shown.
+std::string readImageDescription(const std::string& path);
+
 // The image attributes the splitter asks for by name: "npixx" (width) and
 // "npixy" (height) of the upright photograph. Any other name is an error.
 Status readImageAttribute(const std::string& path, std::string_view name, int& value);
