@@ -11,6 +11,7 @@
 #include "core/core_session.h"
 #include "core/free_corners.h"
 #include "core/image_settings.h"
+#include "core/row_layout.h"
 #include "core/row_rectangles.h"
 #include "core/session_files.h"
 #include "host/image/photo.h"
@@ -28,6 +29,7 @@ struct RowsOptions {
   int row = 0;          // --row: change this one row only
   std::string corners;  // --corners x1,y1,...,x4,y4
   bool square = false;  // --square
+  bool checked = false;  // --checked: a person accepts the rows as they are
 };
 
 int fail(const std::string& text) {
@@ -80,6 +82,7 @@ int runOneRow(const RowsOptions& o) {
     if (!problem.empty()) return fail(problem);
     setFreeCorners(session, *rectangle, corners);
   }
+  markRowsChecked(*image);
   image->dirty = 1;
   if (!saveSession(session, options, o.session)) return kExitBadInput;
   if (o.square) {
@@ -93,8 +96,25 @@ int runOneRow(const RowsOptions& o) {
   return kExitOk;
 }
 
+// --checked alone: the rows stay as they are, and the finder's doubt is lifted.
+int runChecked(const RowsOptions& o) {
+  CoreSession session;
+  SessionOptions options;
+  CoreImage* image = nullptr;
+  image::PixelSize size;
+  if (int status = openImage(o, session, options, image, size); status != kExitOk) return status;
+  const std::string before = rowVerdict(*image);
+  markRowsChecked(*image);
+  image->dirty = 1;
+  if (!saveSession(session, options, o.session)) return kExitBadInput;
+  std::printf("%s: the rows of image %d are marked as checked%s\n", o.session.c_str(), o.image,
+              before.empty() ? "" : fmt::format(" (were: {})", before).c_str());
+  return kExitOk;
+}
+
 int runRows(const RowsOptions& o) {
   if (o.row != 0) return runOneRow(o);
+  if (o.boxes.empty() && o.from.empty()) return runChecked(o);
   std::vector<PixelBox> boxes;
   for (const std::string& text : o.boxes) {
     PixelBox box;
@@ -112,6 +132,7 @@ int runRows(const RowsOptions& o) {
 
   RowRectangles rows(session);
   if (!rows.set(*image, boxes, size.width, size.height)) return kExitBadInput;
+  markRowsChecked(*image);
   if (!saveSession(session, options, o.session)) return kExitBadInput;
 
   std::printf("%s: image %d has %zu row%s\n", o.session.c_str(), o.image, boxes.size(), boxes.size() == 1 ? "" : "s");
@@ -144,6 +165,9 @@ void addRowsCommand(CLI::App& app, int& exitCode) {
                                    "The row's four free corners x1,y1,x2,y2,x3,y3,x4,y4 in pixels of the upright photo "
                                    "(a row seen at an angle; the split straightens it)");
   auto* square = rows->add_flag("--square", o->square, "Make the row an upright rectangle again (the box round its corners)");
+  rows->add_flag("--checked", o->checked,
+                 "Accept the rows as they are after looking at them: rows the finder was unsure of are cut by split "
+                 "only once a person has placed or accepted them (any change by this command counts too)");
   row->excludes(set)->excludes(from);
   corners->needs(row)->excludes(square);
   square->needs(row);
@@ -153,8 +177,8 @@ void addRowsCommand(CLI::App& app, int& exitCode) {
       exitCode = kExitBadInput;
       return;
     }
-    if (o->row == 0 && o->boxes.empty() && o->from.empty()) {
-      host::showMessage("give the rows with --set x,y,w,h or --from FILE");
+    if (o->row == 0 && o->boxes.empty() && o->from.empty() && !o->checked) {
+      host::showMessage("give the rows with --set x,y,w,h or --from FILE (or accept them with --checked)");
       exitCode = kExitBadInput;
       return;
     }

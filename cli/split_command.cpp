@@ -334,6 +334,18 @@ int runSplit(const SplitArgs& args) {
     return kExitBadInput;  // "No images found" has been shown
   }
   const std::vector<CarriedTray> carried = traysGivenDepths(session, hadDepths);
+  // Rows the finder was unsure of are not cut until a person has looked:
+  // cut, they would carry depths nobody vouched for.
+  std::vector<std::string> held;
+  std::erase_if(jobs, [&](const split::PhotoJob& job) {
+    const CoreImage* image = session.imageAt(job.place);
+    if (!image || !rowsNeedChecking(*image)) return false;
+    held.push_back(fmt::format("{}: not cut, its rows need checking ({}); correct them, or accept them with: "
+                               "slabber rows {} --image {} --checked",
+                               fileNameOf(job.sourceFile), rowVerdict(*image), args.session, job.place));
+    return true;
+  });
+  for (const std::string& m : held) host::showMessage(m);
   // Every row's file is known before the first is written: two rows under
   // one name would leave only one of them.
   const split::OutputPlan plan = split::planOutputs(jobs, options, args.unique);
@@ -425,6 +437,7 @@ int runSplit(const SplitArgs& args) {
     std::printf("  carried:       %s\n", photo.substr(split::fileNameStart(photo)).c_str());
   }
   std::printf("  %s\n", countDepths(session, carried).text().c_str());
+  if (!held.empty()) std::printf("  held for checking: %zu photo%s, not cut\n", held.size(), held.size() == 1 ? "" : "s");
   if (totals.rowsFailed > 0) {
     std::printf("Rows not written:\n");
     for (const auto& o : outcomes)
@@ -435,7 +448,7 @@ int runSplit(const SplitArgs& args) {
   std::fflush(stdout);
   for (const auto& o : outcomes)
     if (o.status != 0 && photoFileMissing(split::locatePhoto(o.sourceFile))) return kExitBadInput;
-  return totals.rowsFailed > 0 || reportFailed ? kExitPartial : kExitOk;
+  return totals.rowsFailed > 0 || reportFailed || !held.empty() ? kExitPartial : kExitOk;
 }
 
 // ---------------------------------------------------------------------------

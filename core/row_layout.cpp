@@ -10,15 +10,24 @@
 
 namespace subsurf {
 
+namespace {
+
+void setVerdict(CoreImage& image, const std::string& verdict, const std::string& doubtText) {
+  DT_CSCA& note = image.texts[kRowVerdictText - 1];
+  setFixed(note.V, verdict);
+  note.SET = kScalarChanged;
+  DT_CSCA& doubt = image.texts[kRowDoubtText - 1];
+  setFixed(doubt.V, doubtText);
+  doubt.SET = kScalarChanged;
+}
+
+}  // namespace
+
 void layDetectedRows(CoreSession& session, CoreImage& image, const RowDetection& found, int photoWidth,
                      int photoHeight) {
   const bool sure = found.sure();
-  DT_CSCA& note = image.texts[kRowVerdictText - 1];
-  setFixed(note.V, fmt::format("{} {:.2f}", sure ? kRowsFound : kCheckTheRows, found.confidence));
-  note.SET = kScalarChanged;
-  DT_CSCA& doubt = image.texts[kRowDoubtText - 1];
-  setFixed(doubt.V, sure ? std::string() : found.doubt);
-  doubt.SET = kScalarChanged;
+  setVerdict(image, fmt::format("{} {:.2f}", sure ? kRowsFound : kCheckTheRows, found.confidence),
+             sure ? std::string() : found.doubt);
   if (found.rows.empty()) return;
 
   while (CoreRectangle* r = image.rectangles) session.deleteRectangleById(image, r->id);
@@ -53,6 +62,11 @@ std::string rowVerdict(const CoreImage& image) {
 
 bool rowsNeedChecking(const CoreImage& image) {
   return trimBlanks(fixedText(image.texts[kRowVerdictText - 1].V)).starts_with(kCheckTheRows);
+}
+
+void markRowsChecked(CoreImage& image) {
+  if (rowVerdict(image).empty()) return;  // rows a person drew from the start carry no note
+  setVerdict(image, std::string(kRowsChecked), std::string());
 }
 
 }  // namespace subsurf

@@ -20,6 +20,7 @@ inline constexpr int kRowVerdictText = 10;
 inline constexpr int kRowDoubtText = 9;
 inline constexpr std::string_view kRowsFound = "rows found";
 inline constexpr std::string_view kCheckTheRows = "check the rows";
+inline constexpr std::string_view kRowsChecked = "rows checked by hand";
 
 // Replaces the image's rectangles with the rows found (when any were found;
 // otherwise the rectangles are kept) in a photograph of photoWidth x
@@ -31,7 +32,11 @@ void layDetectedRows(CoreSession& session, CoreImage& image, const RowDetection&
 // The verdict kept with the image, with its doubt after ": " when there is one
 // ("" when its rows were not found by the finder).
 std::string rowVerdict(const CoreImage& image);
-// True when the finder was unsure of the image's rows.
+// True when the finder was unsure of the image's rows and no person has
+// placed or accepted them since.
 bool rowsNeedChecking(const CoreImage& image);
+// Notes that a person has placed or accepted the image's rows: the finder's
+// doubt no longer holds them back from the split.
+void markRowsChecked(CoreImage& image);
 
 }  // namespace subsurf

@@ -26,10 +26,12 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <set>
 
 #include "core/free_corners.h"
 #include "core/image_settings.h"
 #include "core/output_guard.h"
+#include "core/row_layout.h"
 #include "core/row_rectangles.h"
 #include "core/session_copy.h"
 #include "core/split_naming.h"
@@ -362,8 +364,24 @@ ActionResult EditorState::act(const std::string& action, const json& body) {
 }
 
 bool EditorState::runEdit(const std::string& action, const json& body) {
+  // A person who moves or draws an image's rows has looked at them: the
+  // finder's doubt no longer holds them back from the split.
+  static const std::set<std::string> kRowEdits = {"add",    "move",   "corner", "edge",   "corners",
+                                                  "square", "delete", "reorder", "rows", "template-apply"};
+  if (kRowEdits.contains(action)) {
+    const bool changed = runRowEdit(action, body);
+    if (changed) markRowsChecked(imageAt(body));
+    return changed;
+  }
   if (action == "select") return select(body);
   if (action == "table") return editTable(body);
+  if (action == "copy") return copyRows(body);
+  if (action == "depths") return setDepths(body);
+  if (action == "template-save") return saveTemplate(body);
+  throw BadRequest(fmt::format("no action \"{}\"", action));
+}
+
+bool EditorState::runRowEdit(const std::string& action, const json& body) {
   if (action == "add") return addRectangle(body);
   if (action == "move") return moveRectangle(body);
   if (action == "corner") return dragCorner(body);
@@ -372,11 +390,8 @@ bool EditorState::runEdit(const std::string& action, const json& body) {
   if (action == "square") return squareRow(body);
   if (action == "delete") return deleteRectangle(body);
   if (action == "reorder") return reorderRectangles(body);
-  if (action == "copy") return copyRows(body);
   if (action == "rows") return setRows(body);
-  if (action == "depths") return setDepths(body);
   if (action == "template-apply") return applyTemplate(body);
-  if (action == "template-save") return saveTemplate(body);
   throw BadRequest(fmt::format("no action \"{}\"", action));
 }
 

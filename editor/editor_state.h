@@ -84,6 +84,7 @@ class EditorState {
   CoreRectangle& rectangleAt(CoreImage& image, const nlohmann::json& body);
   Frame frameOf(CoreImage& image);
   bool runEdit(const std::string& action, const nlohmann::json& body);
+  bool runRowEdit(const std::string& action, const nlohmann::json& body);
   nlohmann::json imageJson(CoreImage& image, int place);
 
   // The edits; each returns true when it changed the session.

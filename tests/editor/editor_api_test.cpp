@@ -13,6 +13,7 @@
 
 #include "core/core_session.h"
 #include "core/image_settings.h"
+#include "core/row_layout.h"
 #include "core/session_files.h"
 #include "editor/editor_server.h"
 #include "host/image/photo.h"
@@ -34,6 +35,7 @@ class EditorApi : public ::testing::Test {
       fs::copy_file(fs::path(SUBSURF_SOURCE_DATA_DIR) / "samples" / name, dir.file(name));
     ::setenv("SUBSURF_USERLIB", dir.file("userlib").c_str(), 1);
     session = dir.file("sample.slbs");
+    prepare();
     ASSERT_TRUE(server.open(session));
     ASSERT_TRUE(server.bind(0));
     serving = std::thread([this] { server.run(); });
@@ -47,6 +49,9 @@ class EditorApi : public ::testing::Test {
     serving.join();
     ::unsetenv("SUBSURF_USERLIB");
   }
+
+  // Changes the session file before the editor opens it.
+  virtual void prepare() {}
 
   json post(const std::string& action, const json& body, int expectedStatus = 200) {
     auto res = client->Post(("/api/" + action).c_str(), body.dump(), "application/json");
@@ -468,12 +473,6 @@ TEST_F(EditorApi, SplitRunsAndReportsItsProgress) {
   EXPECT_TRUE(fs::exists(split["report"].get<std::string>()));
 }
 
-}  // namespace
-}  // namespace subsurf::editor
-
-namespace subsurf::editor {
-namespace {
-
 TEST_F(EditorApi, SelectingAndViewingAreNotEdits) {
   json reply = post("select", {{"image", 2}, {"rectangle", 3}});
   EXPECT_EQ(reply["state"]["current"], json({{"image", 2}, {"rectangle", 3}}));
@@ -491,6 +490,34 @@ TEST_F(EditorApi, SelectingAndViewingAreNotEdits) {
   EXPECT_EQ(post("view", {{"image", 3}, {"view", 1}, {"x1", 10}, {"x2", 10}, {"y1", 20}, {"y2", 620}}, 400)["error"],
             "a view shows x1 < x2 and y1 < y2");
   EXPECT_EQ(state()["images"][2]["views"][0]["x2"], 810) << "a refused view changes nothing";
+}
+
+// The finder was unsure of image 1's rows.
+class EditorOnDoubtedRows : public EditorApi {
+ protected:
+  void prepare() override {
+    CoreSession s;
+    SessionOptions o;
+    ASSERT_TRUE(readSession(s, o, session));
+    RowDetection unsure;
+    unsure.confidence = 0.5;
+    layDetectedRows(s, *s.imageAt(1), unsure, 2400, 1600);
+    ASSERT_TRUE(saveSession(s, o, session));
+  }
+  bool savedRowsNeedChecking(int place) {
+    post("save", json::object());
+    CoreSession s;
+    SessionOptions o;
+    EXPECT_TRUE(readSession(s, o, session));
+    return rowsNeedChecking(*s.imageAt(place));
+  }
+};
+
+TEST_F(EditorOnDoubtedRows, MovingARowIsAPersonCheckingThem) {
+  post("select", {{"image", 1}, {"rectangle", 1}});
+  EXPECT_TRUE(savedRowsNeedChecking(1)) << "looking is not checking";
+  post("move", {{"image", 1}, {"rectangle", 1}, {"dx", 5}, {"dy", 0}});
+  EXPECT_FALSE(savedRowsNeedChecking(1));
 }
 
 }  // namespace

@@ -126,7 +126,7 @@ TEST_F(RowsCommand, RefusedInputLeavesTheSessionFileAsItWas) {
       {{"--image", "1", "--set", "0,0,100"}, "slabber: --set \"0,0,100\" is not x,y,w,h (four numbers of pixels)\n"},
       {{"--image", "3", "--set", "0,0,100,100"}, "slabber: Image 3 is not in s.slbs (it holds 2 images)\n"},
       {{"--image", "1", "--from", "bad.csv"}, "slabber: bad.csv, line 2: expected x,y,w,h, found 3 fields: 0,100,400\n"},
-      {{"--image", "1"}, "slabber: give the rows with --set x,y,w,h or --from FILE\n"},
+      {{"--image", "1"}, "slabber: give the rows with --set x,y,w,h or --from FILE (or accept them with --checked)\n"},
   });
   EXPECT_EQ(slabber({"rows", "s.slbs", "--image", "1", "--set", "0,0,1,1", "--from", "bad.csv"}).status, 2);
   EXPECT_EQ(TempDir::read(dir.file("s.slbs")), before);

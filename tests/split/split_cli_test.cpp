@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "core/free_corners.h"
+#include "core/row_layout.h"
 #include "core/session_files.h"
 #include "split/split_test_support.h"
 #include "support/run_program.h"
@@ -82,6 +83,45 @@ TEST_F(SlabberCommand, SplitWritesRowsTableAndSummary) {
   EXPECT_EQ(lines[9], "  1005.000, 0,   1006.000, 0, , " + outFile("T2_WL_01005_00-01006_00.bmp"));
   EXPECT_EQ(lines[19], "  1014.000, 0,   1015.000, 0, , " + outFile("T3_WL_01014_00-01015_00.bmp"));
   EXPECT_TRUE(samePixels(readRow(outFile("T3_WL_01012_00-01013_00.bmp")), region(patterns[2], {0, 80, 300, 40})));
+}
+
+TEST_F(SlabberCommand, RowsTheFinderDoubtsWaitForAPersonBeforeTheyAreCut) {
+  // Tray 2's rows as the finder leaves them when it is unsure.
+  RowDetection unsure;
+  unsure.confidence = 0.42;
+  unsure.doubt = "found 4 rows, expected 5";
+  layDetectedRows(session, *session.imageAt(2), unsure, 300, 200);
+  save();
+  CommandRun r = run("split " + sessionFile + " --out " + out + " --jobs 1");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err.rfind("slabber: T2.png: not cut, its rows need checking (check the rows 0.42: found 4 rows, expected "
+                        "5); correct them, or accept them with: slabber rows " + sessionFile + " --image 2 --checked\n",
+                        0),
+            0u)
+      << r.err;
+  EXPECT_NE(r.out.find("  held for checking: 1 photo, not cut\n"), std::string::npos) << r.out;
+  std::vector<std::string> expected = trayNames(1);
+  for (const auto& n : trayNames(3)) expected.push_back(n);
+  expected.push_back("manifest.csv");
+  EXPECT_EQ(filesIn(out), expected);
+
+  // A person accepts them as they are: now they are cut.
+  r = run("rows " + sessionFile + " --image 2 --checked");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.out, sessionFile + ": the rows of image 2 are marked as checked (were: check the rows 0.42: found 4 "
+                                 "rows, expected 5)\n");
+  r = run("split " + sessionFile + " --out " + out + " --jobs 1");
+  EXPECT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(r.err.find("not cut"), std::string::npos) << r.err;
+  EXPECT_EQ(filesIn(out).size(), 16u);
+
+  // Rows placed by a person count as checked too.
+  ASSERT_TRUE(readSession(session, sessionOptions, sessionFile));
+  layDetectedRows(session, *session.imageAt(3), unsure, 300, 200);
+  save();
+  EXPECT_EQ(run("rows " + sessionFile + " --image 3 --set 0,0,300,40 --set 0,40,300,40").status, 0);
+  r = run("split " + sessionFile + " --out " + dir.file("again") + " --jobs 1");
+  EXPECT_EQ(r.status, 0) << r.err << r.out;
 }
 
 TEST_F(SlabberCommand, SameOutputsWhateverTheJobCount) {
