@@ -1,22 +1,14 @@
 #include "detect_command.h"
 
-#include <algorithm>
-#include <atomic>
 #include <cstdio>
 #include <filesystem>
-#include <thread>
 
 #include <fmt/format.h>
 
 #include "cli_support.h"
 #include "core/core_session.h"
-#include "core/row_layout.h"
 #include "core/session_files.h"
-#include "core/split_naming.h"
-#include "core/split_process.h"
-#include "host/image/reduced_photo.h"
 #include "host/messages.h"
-#include "host/nulls.h"
 
 namespace subsurf::cli {
 namespace {
@@ -26,14 +18,6 @@ struct DetectArgs {
   int image = 0;
   int cores = 0;
   int jobs = 0;
-};
-
-struct Work {
-  CoreImage* image = nullptr;
-  std::string photo;
-  int expected = 0;
-  image::Raster reduced;
-  image::PixelSize full;
 };
 
 int runDetect(const DetectArgs& args) {
@@ -62,64 +46,18 @@ int runDetect(const DetectArgs& args) {
 
 }  // namespace
 
-std::vector<PhotoRows> detectRows(CoreSession& session, const std::vector<int>& places, int cores, int jobs) {
-  std::vector<int> chosen = places;
-  if (chosen.empty())
-    for (int p = 1; p <= session.imageCount(); ++p) chosen.push_back(p);
-  std::vector<Work> work(chosen.size());
-  std::vector<PhotoRows> results(chosen.size());
-  for (std::size_t i = 0; i < chosen.size(); ++i) {
-    CoreImage* image = session.imageAt(chosen[i]);
-    work[i].image = image;
-    work[i].photo = split::locatePhoto(image->sourceFile());
-    const int number = image->intValue(kIntCoreNumber);
-    work[i].expected = cores >= 1 ? cores : (!isNull(number) && number >= 1 ? number : 0);
-    results[i].place = chosen[i];
-    results[i].file = work[i].photo.substr(split::fileNameStart(work[i].photo));
-  }
-  // Each photograph is decoded and read on its own; the rows are laid on the
-  // session afterwards, on this thread.
-  const RowDetector detector;
-  std::atomic<std::size_t> next{0};
-  auto loop = [&] {
-    for (std::size_t i = next++; i < work.size(); i = next++) {
-      Work& w = work[i];
-      results[i].read = static_cast<bool>(
-          image::loadReducedPhoto(w.photo, RowDetector::kWorkingSize, w.reduced, w.full));
-      if (results[i].read)
-        results[i].found = detector.detect(w.reduced.view(), w.full.width, w.full.height, w.expected);
-      w.reduced = image::Raster();
-    }
-  };
-  const unsigned hardware = std::max(1u, std::thread::hardware_concurrency());
-  const std::size_t threads = std::min<std::size_t>(work.size(), jobs > 0 ? jobs : hardware);
-  std::vector<std::thread> pool;
-  for (std::size_t t = 1; t < threads; ++t) pool.emplace_back(loop);
-  loop();
-  for (std::thread& t : pool) t.join();
-
-  for (std::size_t i = 0; i < work.size(); ++i)
-    if (results[i].read) layDetectedRows(session, *work[i].image, results[i].found, work[i].full.width, work[i].full.height);
-  return results;
-}
-
 int printDetections(const std::vector<PhotoRows>& results) {
   int unsure = 0, rows = 0;
   for (const PhotoRows& r : results) {
-    if (!r.read) {
-      std::printf("  %3d %s: not read\n", r.place, r.file.c_str());
-      continue;
-    }
-    rows += static_cast<int>(r.found.rows.size());
-    std::printf("  %3d %s: %zu row%s %s, confidence %.2f\n", r.place, r.file.c_str(), r.found.rows.size(),
-                r.found.rows.size() == 1 ? "" : "s", r.found.rowsAcross ? "across" : "down", r.found.confidence);
+    if (r.read) rows += static_cast<int>(r.found.rows.size());
+    std::printf("  %3d %s\n", r.place, detectionSummary(r).c_str());
   }
   std::printf("  photos: %zu, rows laid: %d\n", results.size(), rows);
   for (const PhotoRows& r : results) {
-    if (r.read && r.found.sure()) continue;
+    const std::string note = checkRowsNote(r);
+    if (note.empty()) continue;
     ++unsure;
-    const std::string why = !r.read ? "it could not be read" : fmt::format("confidence {:.2f}: {}", r.found.confidence, r.found.doubt);
-    std::printf("check the rows of %s (%s)\n", r.file.c_str(), why.c_str());
+    std::printf("%s\n", note.c_str());
   }
   std::fflush(stdout);
   return unsure;
