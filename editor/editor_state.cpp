@@ -16,6 +16,10 @@
 //   copy       {image, count?}                rows onto the next photos (all when 0)
 //   rows       {image, boxes: [[x,y,w,h]...]} all rows at once
 //   depths     {image, top, base, cores}      the set-depths dialog's "OK"
+//   detect     {image}                        the rows found in the photo, as
+//                                             `slabber detect --image N` finds
+//                                             them; the finder's verdict is
+//                                             shown and kept (not "checked")
 //   template-apply {image, name}; template-save {image, name, description?}
 //   view       {image, view, x1, x2, y1, y2, windowWidth, windowHeight}
 //   undo, redo, save, split
@@ -31,6 +35,7 @@
 #include "core/free_corners.h"
 #include "core/image_settings.h"
 #include "core/output_guard.h"
+#include "core/photo_row_finding.h"
 #include "core/row_layout.h"
 #include "core/row_rectangles.h"
 #include "core/session_copy.h"
@@ -241,7 +246,9 @@ json EditorState::imageJson(CoreImage& image, int place) {
           {"frame", {frame.width, frame.height}},
           {"photo", photo == photoSizes_.end() ? json(nullptr) : json({photo->second.width, photo->second.height})},
           {"views", views},
-          {"rows", rows}};
+          {"rows", rows},
+          {"verdict", rowVerdict(image)},
+          {"checkRows", rowsNeedChecking(image)}};
 }
 
 json EditorState::state() {
@@ -377,6 +384,7 @@ bool EditorState::runEdit(const std::string& action, const json& body) {
   if (action == "table") return editTable(body);
   if (action == "copy") return copyRows(body);
   if (action == "depths") return setDepths(body);
+  if (action == "detect") return detectRowsOf(body);
   if (action == "template-save") return saveTemplate(body);
   throw BadRequest(fmt::format("no action \"{}\"", action));
 }
@@ -659,6 +667,19 @@ bool EditorState::setDepths(const json& body) {
   image->reals = realsBefore;
   image->ints = intsBefore;
   return false;
+}
+
+bool EditorState::detectRowsOf(const json& body) {
+  CoreImage& image = imageAt(body);
+  const int place = session_.placeOf(&image);
+  // One photo, on this thread: the finder reads a reduced copy, so the page
+  // waits well under a second.
+  const PhotoRows found = detectRows(session_, {place}, 0, 1).front();
+  host::showMessage(detectionSummary(found));
+  if (const std::string note = checkRowsNote(found); !note.empty()) host::showMessage(note);
+  if (!found.read) return false;
+  session_.setCurrent(&image, nullptr);
+  return true;
 }
 
 bool EditorState::applyTemplate(const json& body) {

@@ -101,6 +101,7 @@ class EditorState {
   bool copyRows(const nlohmann::json& body);
   bool setRows(const nlohmann::json& body);
   bool setDepths(const nlohmann::json& body);
+  bool detectRowsOf(const nlohmann::json& body);
   bool applyTemplate(const nlohmann::json& body);
   bool saveTemplate(const nlohmann::json& body);
   bool setView(const nlohmann::json& body);

@@ -13,6 +13,7 @@
 
 #include "core/core_session.h"
 #include "core/image_settings.h"
+#include "core/photo_row_finding.h"
 #include "core/row_layout.h"
 #include "core/session_files.h"
 #include "editor/editor_server.h"
@@ -518,6 +519,122 @@ TEST_F(EditorOnDoubtedRows, MovingARowIsAPersonCheckingThem) {
   EXPECT_TRUE(savedRowsNeedChecking(1)) << "looking is not checking";
   post("move", {{"image", 1}, {"rectangle", 1}, {"dx", 5}, {"dy", 0}});
   EXPECT_FALSE(savedRowsNeedChecking(1));
+}
+
+// "Detect rows": the rows `slabber detect --image N` lays, found by the same
+// routine on a copy of the session read from the same file.
+class EditorDetect : public EditorApi {
+ protected:
+  PhotoRows commandRows(int place, CoreSession& s) {
+    SessionOptions o;
+    EXPECT_TRUE(readSession(s, o, session));
+    return detectRows(s, {place}, 0, 1).front();
+  }
+  static Corners boxCorners(const CoreRectangle& r) {
+    Corners c;
+    for (int i = 0; i < r.polygon.n; ++i) c.push_back({r.polygon.px[i], r.polygon.py[i]});
+    return c;
+  }
+};
+
+TEST_F(EditorDetect, LaysTheCommandsRowsAndUndoes) {
+  CoreSession expected;
+  const PhotoRows found = commandRows(1, expected);
+  ASSERT_TRUE(found.read);
+  ASSERT_TRUE(found.found.sure()) << found.found.doubt;
+  const json before = state()["images"][0];
+
+  json reply = post("detect", {{"image", 1}});
+  EXPECT_EQ(messages(reply), std::vector<std::string>{detectionSummary(found)});
+  EXPECT_TRUE(detectionSummary(found).starts_with("TRAY_1234_5-1239_5.jpg: " + std::to_string(found.found.rows.size()) +
+                                                   " rows across, confidence 0."))
+      << detectionSummary(found);
+  EXPECT_EQ(reply["changed"], true);
+  const json image = reply["state"]["images"][0];
+  const CoreImage& want = *expected.imageAt(1);
+  ASSERT_EQ(image["rows"].size(), static_cast<std::size_t>(CoreSession::rectangleCount(want)));
+  ASSERT_EQ(image["rows"].size(), found.found.rows.size());
+  int k = 0;
+  for (const CoreRectangle* r : CoreSession::rectangles(const_cast<CoreImage&>(want))) {
+    ++k;
+    EXPECT_EQ(corners(reply["state"], 1, k), boxCorners(*r)) << "row " << k;
+  }
+  EXPECT_EQ(image["frame"], json({want.intValue(kIntPixelWidth), want.intValue(kIntPixelHeight)}));
+  EXPECT_EQ(image["verdict"], rowVerdict(want));
+  EXPECT_TRUE(image["verdict"].get<std::string>().starts_with("rows found 0."));
+  EXPECT_EQ(image["checkRows"], false);
+  EXPECT_EQ(reply["state"]["unsaved"], true);
+  EXPECT_EQ(reply["state"]["canUndo"], true);
+
+  reply = post("undo", json::object());
+  EXPECT_EQ(reply["state"]["images"][0]["rows"], before["rows"]);
+  EXPECT_EQ(reply["state"]["images"][0]["verdict"], "");
+  EXPECT_EQ(reply["state"]["unsaved"], false);
+  reply = post("redo", json::object());
+  EXPECT_EQ(reply["state"]["images"][0]["rows"], image["rows"]);
+  EXPECT_EQ(reply["state"]["images"][0]["verdict"], image["verdict"]);
+}
+
+TEST_F(EditorDetect, RefusesAnImageNotInTheSession) {
+  const json before = state();
+  EXPECT_EQ(post("detect", {{"image", 4}}, 400)["error"], "there is no image 4");
+  EXPECT_EQ(post("detect", {{"image", 0}}, 400)["error"], "there is no image 0");
+  EXPECT_EQ(post("detect", {{"image", "1"}}, 400)["error"], "\"image\" must be a whole number");
+  EXPECT_EQ(post("detect", json::object(), 400)["error"], "\"image\" is missing");
+  EXPECT_EQ(state(), before);
+}
+
+TEST_F(EditorDetect, NamesAPhotoThatCouldNotBeRead) {
+  fs::resize_file(dir.file("TRAY_1239_5-1244_5.jpg"), 100);
+  const json before = state()["images"][1];
+  const json reply = post("detect", {{"image", 2}});
+  const std::vector<std::string> shown = messages(reply);
+  ASSERT_GE(shown.size(), 2u);
+  EXPECT_EQ(shown[shown.size() - 2], "TRAY_1239_5-1244_5.jpg: not read");
+  EXPECT_EQ(shown.back(), "check the rows of TRAY_1239_5-1244_5.jpg (it could not be read)");
+  EXPECT_EQ(reply["changed"], false);
+  EXPECT_EQ(reply["state"]["images"][1], before);
+  EXPECT_EQ(reply["state"]["canUndo"], false);
+}
+
+// Image 1 is said to hold more rows than its tray has.
+class EditorDetectDoubted : public EditorDetect {
+ protected:
+  void prepare() override {
+    CoreSession s;
+    SessionOptions o;
+    ASSERT_TRUE(readSession(s, o, session));
+    setInteger(s.imageAt(1)->intSetting(kIntCoreNumber), 9);
+    ASSERT_TRUE(saveSession(s, o, session));
+  }
+};
+
+TEST_F(EditorDetectDoubted, ShowsTheVerdictAndLeavesTheRowsUnchecked) {
+  CoreSession expected;
+  const PhotoRows found = commandRows(1, expected);
+  ASSERT_FALSE(found.found.sure());
+  const json reply = post("detect", {{"image", 1}});
+  const std::string note = checkRowsNote(found);
+  EXPECT_EQ(messages(reply), (std::vector<std::string>{detectionSummary(found), note}));
+  EXPECT_TRUE(note.starts_with("check the rows of TRAY_1234_5-1239_5.jpg (confidence 0.")) << note;
+  EXPECT_TRUE(note.ends_with(", expected 9)")) << note;
+  const json image = reply["state"]["images"][0];
+  EXPECT_EQ(image["checkRows"], true);
+  EXPECT_EQ(image["verdict"], rowVerdict(*expected.imageAt(1)));
+  EXPECT_TRUE(image["verdict"].get<std::string>().starts_with("check the rows 0.")) << image["verdict"];
+  EXPECT_EQ(image["rows"].size(), found.found.rows.size());
+  EXPECT_EQ(image["Core Number"], 9) << "the count given is kept";
+
+  // Saved so: the split holds the photo back until a person has looked.
+  post("save", json::object());
+  CoreSession saved;
+  SessionOptions o;
+  ASSERT_TRUE(readSession(saved, o, session));
+  EXPECT_TRUE(rowsNeedChecking(*saved.imageAt(1)));
+  // Moving one of its rows is that look.
+  const json moved = post("move", {{"image", 1}, {"rectangle", 1}, {"dx", 0}, {"dy", 3}});
+  EXPECT_EQ(moved["state"]["images"][0]["checkRows"], false);
+  EXPECT_EQ(moved["state"]["images"][0]["verdict"], "rows checked by hand");
 }
 
 }  // namespace
