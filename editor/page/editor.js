@@ -77,7 +77,7 @@ function showMessages(list, error = false) {
   const box = $("messages");
   for (const text of list) {
     const div = document.createElement("div");
-    div.className = "message" + (error || /^Error|could not|Cannot/i.test(text) ? " error" : "");
+    div.className = "message" + (error || /^Error|could not|Cannot|^check the rows/i.test(text) ? " error" : "");
     const span = document.createElement("span");
     span.textContent = text;
     const close = document.createElement("button");
@@ -125,6 +125,7 @@ function render(next) {
   renderFreeCorners();
   const image = current();
   $("photo-title").textContent = image ? `Image ${image.place}: ${image.Filename}` : "No image";
+  renderCheckRows(image);
   if (image && (!view || view.place !== image.place)) showImage(image);
   drawPhoto();
 }
@@ -184,7 +185,14 @@ function renderTable() {
     path.textContent = image.Path;
     path.title = image.Path;
     cell(row, "").append(path);
-    cell(row, image.Filename);
+    const name = cell(row, image.Filename);
+    if (image.checkRows) {
+      const note = document.createElement("span");
+      note.className = "check-rows";
+      note.textContent = "check the rows";
+      note.title = image.verdict;
+      name.append(" ", note);
+    }
     flagCell(row, image, "UV");
     numberCell(row, image, "Top");
     numberCell(row, image, "Base");
@@ -231,6 +239,14 @@ function renderRows() {
     row.onclick = () => call("select", { image: image.place, rectangle: r.place });
     body.append(row);
   });
+}
+
+// The finder's doubt, as the preview warns of it, until a person has looked.
+function renderCheckRows(image) {
+  const note = $("check-rows");
+  note.hidden = !(image && image.checkRows);
+  note.textContent = image && image.checkRows ? "! " + image.verdict : "";
+  $("detect-rows").disabled = !image;
 }
 
 function renderTemplates() {
@@ -597,6 +613,17 @@ $("template-save").onclick = () => {
   if (image) call("template-save", { image: image.place, name: $("template-new").value });
 };
 $("split").onclick = () => call("split");
+$("detect-rows").onclick = async () => {
+  const image = current();
+  if (!image) return;
+  const button = $("detect-rows");
+  button.disabled = true;  // the finder takes a moment; one run at a time
+  try {
+    await call("detect", { image: image.place });
+  } finally {
+    renderCheckRows(current());
+  }
+};
 
 // The set-depths dialog: its fields start from the chosen image's settings.
 function fillDepths() {

@@ -369,6 +369,47 @@ class EditorPage(unittest.TestCase):
         rows = [image["rows"] for image in self.editor.state()["images"]]
         self.assertEqual([r["corners"] for r in rows[1]], [r["corners"] for r in rows[0]])
 
+    def test_detect_rows_flags_a_photo_to_check(self):
+        from selenium.webdriver.common.by import By
+        image = lambda: self.editor.state()["images"][0]
+        drawn = image()["rows"]
+        # A sure reading: rows laid, the summary shown, nothing to check.
+        self.by_id("detect-rows").click()
+        self.wait_for(lambda: image()["verdict"].startswith("rows found"), "rows found")
+        self.wait_for(lambda: any(m.startswith("TRAY_1234_5-1239_5.jpg: 5 rows across, confidence ") for m in self.messages()),
+                      "the summary")
+        self.assertEqual(len(image()["rows"]), 5)
+        self.assertFalse(self.by_id("check-rows").is_displayed())
+        self.assertEqual(self.browser.find_elements(By.CSS_SELECTOR, "#images .check-rows"), [])
+        self.by_id("undo").click()
+        self.wait_for(lambda: image()["rows"] == drawn and image()["verdict"] == "", "undone")
+        # The tray said to hold 9 rows: the rows found are doubted and flagged.
+        self.dismiss_messages()
+        self.set_depths(1, 1234.5, 1239.5, 9)
+        self.wait_for(lambda: image()["Core Number"] == 9, "9 cores")
+        self.wait_for(lambda: self.by_id("detect-rows").is_enabled(), "the button offered")
+        self.by_id("detect-rows").click()
+        self.wait_for(lambda: image()["checkRows"], "the rows doubted")
+        verdict = image()["verdict"]
+        self.assertRegex(verdict, r"^check the rows 0\.\d\d: found \d+ rows, expected 9$")
+        self.wait_for(lambda: self.by_id("check-rows").is_displayed(), "the note on the photo")
+        self.assertEqual(self.by_id("check-rows").text, "! " + verdict)
+        note = self.table_rows()[0].find_element(By.CSS_SELECTOR, ".check-rows")
+        self.assertEqual(note.text, "check the rows")
+        self.assertEqual(note.get_attribute("title"), verdict)
+        self.assertEqual(len(self.table_rows()[1].find_elements(By.CSS_SELECTOR, ".check-rows")), 0)
+        self.wait_for(lambda: any(m.startswith("check the rows of TRAY_1234_5-1239_5.jpg (confidence ") for m in self.messages()),
+                      "the verdict message")
+        shown = self.browser.find_elements(By.CSS_SELECTOR, "#messages .message.error span")
+        self.assertTrue(any(e.text.endswith(" rows, expected 9)") for e in shown), [e.text for e in shown])
+        self.screenshot("detect-check")
+        # Deleting a row is a person's look: the note goes.
+        self.browser.find_elements(By.CSS_SELECTOR, "#rows tbody tr")[-1].find_element(
+            By.CSS_SELECTOR, "button[title='Delete this row']").click()
+        self.wait_for(lambda: image()["verdict"] == "rows checked by hand", "the rows checked")
+        self.wait_for(lambda: not self.by_id("check-rows").is_displayed(), "the note gone")
+        self.assertEqual(self.browser.find_elements(By.CSS_SELECTOR, "#images .check-rows"), [])
+
     def test_split_shows_progress_and_summary(self):
         self.by_id("split").click()
         self.wait_for(lambda: "15 of 15 rows written from 3 photos" in self.by_id("split-text").text, "the summary", 60)
