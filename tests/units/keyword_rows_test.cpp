@@ -86,7 +86,7 @@ CsvRow rowOf(const DT_FSCA& f) { return fileNameRow(f); }
 template <typename R>
 void expectSame(const R& a, const R& b) {
   EXPECT_EQ(rowOf(a).str(), rowOf(b).str());
-  if constexpr (requires { a.CHU; }) EXPECT_EQ(fixedText(a.CHU), fixedText(b.CHU));
+  if constexpr (requires { a.CHU; }) { EXPECT_EQ(fixedText(a.CHU), fixedText(b.CHU)); }
 }
 
 // A row as it comes back from a file: written out as text and parsed again.

@@ -153,7 +153,7 @@ TEST_F(ShippedUnits, DataKeepsTheRulesOfTheArithmetic) {
     // only an SI unit may be there.
     for (int a = 1; a <= reg().unitCount(iser); ++a) {
       const UnitDefinition& ua = reg().units()[static_cast<std::size_t>(reg().unitId(iser, a) - 1)];
-      if (reg().unitId(iser, a) == s.firstEntry) EXPECT_TRUE(ua.nc == 1 && ua.c1 == 1.0) << s.name << " " << ua.name;
+      if (reg().unitId(iser, a) == s.firstEntry) { EXPECT_TRUE(ua.nc == 1 && ua.c1 == 1.0) << s.name << " " << ua.name; }
     }
   }
   // The reciprocal rule is in use: m/s to s/m takes it, us/ft to m/s goes through SI.
@@ -230,7 +230,7 @@ TEST_F(ShippedUnits, IntoAnotherArrayAsInPlace) {
           int e = 0;
           const float one = reg().convert(values[i], iser, a, b, e);
           EXPECT_EQ(std::bit_cast<std::uint32_t>(out[i]), std::bit_cast<std::uint32_t>(inPlace[i])) << i;
-          if (e == 0) EXPECT_EQ(std::bit_cast<std::uint32_t>(out[i]), std::bit_cast<std::uint32_t>(one)) << i;
+          if (e == 0) { EXPECT_EQ(std::bit_cast<std::uint32_t>(out[i]), std::bit_cast<std::uint32_t>(one)) << i; }
         }
       }
     }

@@ -260,7 +260,7 @@ TEST(PercentFactor, UnitNameOrAverageDecides) {
                                       << " in \"" << c.unit << "\"");
     const PercentRun run = percentOf(c.values, c.unit);
     EXPECT_EQ(run.factor, c.factor);
-    if (c.after) EXPECT_EQ(run.unit, c.after);
-    if (c.iunOf) EXPECT_EQ(run.iun, *c.iunOf ? unitsRegistry().findUnit(fraction, c.iunOf) : -5);
+    if (c.after) { EXPECT_EQ(run.unit, c.after); }
+    if (c.iunOf) { EXPECT_EQ(run.iun, *c.iunOf ? unitsRegistry().findUnit(fraction, c.iunOf) : -5); }
   }
 }
