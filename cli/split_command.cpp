@@ -487,7 +487,8 @@ int runPreview(const PreviewArgs& args) {
     return kExitBadInput;
   }
   std::map<std::string, int> stubs;
-  for (const auto& ri : images) ++stubs[split::fileStub(ri.image->sourceFile())];
+  for (const auto& ri : images)
+    ++stubs[split::fileStub(split::namingPhoto(*ri.image, split::locatePhoto(ri.image->sourceFile())))];
 
   drawing::PreviewOptions previewOptions;
   previewOptions.longestSide = args.size;
@@ -559,7 +560,7 @@ int runPreview(const PreviewArgs& args) {
                                                       size.height))
       host::showMessage(w);
     previewOptions.warning = rowsNeedChecking(*ri.image) ? "! " + rowVerdict(*ri.image) : std::string();
-    std::string stub = split::fileStub(job.photoPath);
+    std::string stub = split::fileStub(job.namingPath);
     if (stubs[stub] > 1) stub += fmt::format("_{}", ri.place);
     const std::string png = split::joinFolder(folder, stub + "_preview.png");
     const Status drawn = photo.loaded() ? drawing::drawPreview(photo, outlines, png, previewOptions)

@@ -165,7 +165,11 @@ Lattice placeBands(const std::vector<Band>& bands, const std::vector<bool>& usab
     const double t = (bands[m].centre() - anchor) / pitch;
     const double k = std::round(t);
     const double dev = std::fabs(t - k);
-    if (dev > 0.2 || bands[m].height() > 0.98 * pitch || bands[m].height() < 0.35 * pitch) continue;
+    // Core fills most of its compartment: a band less than half a pitch deep
+    // is not the core of a compartment that deep (two rows with an empty
+    // compartment between them would otherwise make a lattice of twice the
+    // pitch, each row reaching over the empty compartment).
+    if (dev > 0.2 || bands[m].height() > 0.98 * pitch || bands[m].height() < 0.45 * pitch) continue;
     const int place = static_cast<int>(k);
     auto same = std::find_if(hits.begin(), hits.end(), [&](const auto& h) { return h.first == place; });
     if (same != hits.end()) {
@@ -284,6 +288,7 @@ struct Reading {
   std::vector<DetectedRow> rows;  // in the picture read (turned for rows down)
   double confidence = 0.0;
   std::string doubt;
+  bool compartmentBetween = false;  // walls of a compartment halfway between two rows found
 };
 
 // One tray (a lattice) as compartments: top and bottom of each place's channel.
@@ -464,6 +469,16 @@ Reading readAcross(const Gray& g, int expected) {
   for (std::size_t m = 0; m < bands.size(); ++m)
     if (usable[m] && bands[m].height() >= 0.3 * first.pitch) ++strays;
   std::sort(trays.begin(), trays.end(), [](const Lattice& a, const Lattice& b) { return a.centre(0) < b.centre(0); });
+  // Halfway between two neighbouring places lies a dividing wall, where the
+  // lines a compartment's depth above and below run through core. Walls of
+  // a compartment's depth there mean one lies between: the lattice has
+  // taken every other compartment (an empty one between two rows of core)
+  // at twice the pitch, and its compartments reach over the one between.
+  double between = 0;
+  for (const Lattice& l : trays)
+    for (int k = 0; k + 1 < static_cast<int>(l.bandOfPlace.size()); ++k)
+      between = std::max(between, walls(l.centre(k) + 0.5 * l.pitch, 0.5 * l.pitch));
+  const bool compartmentBetween = typicalWalls > 0 && between >= typicalWalls;
 
   int places = 0, matched = 0;
   double deviation = 0;
@@ -540,6 +555,7 @@ Reading readAcross(const Gray& g, int expected) {
   const double strayFactor = std::pow(0.85, strays);
   const double length = (right - left) / g.w < 0.3 ? 0.5 : 1.0;
   r.confidence = fill * regularity * contrast * strayFactor * length;
+  r.compartmentBetween = compartmentBetween;
   if (fill < 0.75) r.doubt = fmt::format("{} of {} compartments show no core", places - matched, places);
   else if (regularity < 0.7) r.doubt = "the rows are not evenly spaced";
   else if (contrast < 0.6) r.doubt = "the rows stand out only faintly";
@@ -597,6 +613,12 @@ RowDetection RowDetector::detect(const image::RasterView& reduced, int fullWidth
     out.top = std::clamp(out.top * sy, 0.0, double(fullHeight));
     out.bottom = std::clamp(out.bottom * sy, 0.0, double(fullHeight));
     result.rows.push_back(out);
+  }
+  // Checked once the reading is chosen: it says the reading may be wrong, not
+  // that the other way round is right.
+  if (r.compartmentBetween) {
+    result.confidence *= 0.5;
+    result.doubt = "a compartment may lie between two rows";
   }
   if (result.expectedRows > 0 && static_cast<int>(result.rows.size()) != result.expectedRows) {
     result.confidence /= 3.0;

@@ -23,8 +23,12 @@
 // Confidence (0 to 1) multiplies how many lattice places hold a band, how
 // well the bands sit on the lattice, how much rougher the bands are than the
 // walls, and whether stray bands were left out; a count that differs from
-// the number of rows expected divides it by three. Below
-// kConfidenceThreshold the rows must be checked by a person.
+// the number of rows expected divides it by three. Walls of a compartment
+// halfway between two rows found, as clear as the rows' own walls, halve it:
+// the lattice may have taken every other compartment at twice the pitch
+// (bands less than 0.45 of a pitch deep are not taken as its rows, since
+// core fills most of its compartment). Below kConfidenceThreshold the rows
+// must be checked by a person.
 #pragma once
 
 #include <string>

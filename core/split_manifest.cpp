@@ -64,7 +64,7 @@ std::vector<std::string> manifestLines(const std::vector<PhotoJob>& jobs, const 
     const auto found = jobAt.find(outcome.place);
     if (found == jobAt.end()) continue;
     const PhotoJob& job = *found->second;
-    const std::string hole = manifest.hole.empty() ? holeFromName(job.sourceFile) : manifest.hole;
+    const std::string hole = manifest.hole.empty() ? holeFromName(job.namingPath) : manifest.hole;
     const std::string unit = manifest.unitOf ? manifest.unitOf(job.place) : std::string();
     for (const RowOutcome& row : outcome.rows) {
       if (row.result != RowResult::Written) continue;
@@ -75,7 +75,7 @@ std::vector<std::string> manifestLines(const std::vector<PhotoJob>& jobs, const 
       int width = 0, height = 0;
       rowSize(row, job.format, width, height);
       lines.push_back(fmt::format("{},{},{},{},{},{},{},{},{},{}", csvField(hole),
-                                  csvField(relativeTo(job.photoPath, folder)), row.number,
+                                  csvField(relativeTo(job.namingPath, folder)), row.number,
                                   trimBlanks(fixedField(rowJob->top, 0, decimals)),
                                   trimBlanks(fixedField(rowJob->base, 0, decimals)), csvField(unit),
                                   lightTag(job.uvSetting), csvField(relativeTo(row.outputName, folder)), width,

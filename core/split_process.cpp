@@ -12,6 +12,7 @@
 #include "core/free_corners.h"
 #include "core/output_guard.h"
 #include "core/output_plan.h"
+#include "core/tray_straightening.h"
 #include "host/atomic_file.h"
 #include "host/fixed_text.h"
 #include "host/image/image_messages.h"
@@ -60,6 +61,16 @@ std::string locatePhoto(std::string_view sourceFile) {
   return path;
 }
 
+std::string namingPhoto(const CoreImage& image, const std::string& photoPath) {
+  const TrayOrigin origin = trayOrigin(image);
+  if (!origin.straightened) return photoPath;
+  // Only the original's file name counts: the copy sits beside it, and a
+  // folder in the setting must not move the rows elsewhere.
+  const std::string name = origin.original.substr(fileNameStart(origin.original));
+  if (name.empty()) return photoPath;
+  return folderOf(photoPath) + name;
+}
+
 RowFormat formatForImage(const CoreImage& image, const SplitOptions& options) {
   if (options.formatChosen) return options.naming.format;
   if (image.intValue(kIntOverride) == 1) return image.intValue(kIntCgm) == 1 ? RowFormat::Cgm : RowFormat::Bmp;
@@ -72,6 +83,7 @@ PhotoJob makePhotoJob(const CoreImage& image, int place, const SplitOptions& opt
   job.imageId = image.id;
   job.sourceFile = image.sourceFile();
   job.photoPath = locatePhoto(job.sourceFile);
+  job.namingPath = namingPhoto(image, job.photoPath);
   job.uvSetting = image.intValue(kIntUV);
   job.horizontalSetting = image.intValue(kIntHorizontal);
   job.reverseSetting = image.intValue(kIntReverse);
@@ -405,7 +417,7 @@ std::string plannedRowName(const PhotoJob& job, const RowJob& row, const SplitOp
   if (!row.outputName.empty()) return row.outputName;
   NamingOptions naming = options.naming;
   naming.format = job.format;
-  return rowImageName(job.photoPath, job.uvSetting, row.top, row.base, naming);
+  return rowImageName(job.namingPath, job.uvSetting, row.top, row.base, naming);
 }
 
 std::vector<RunImage> imagesToProcess(CoreSession& session) {

@@ -89,6 +89,9 @@ struct PhotoJob {
   int imageId = 0;
   std::string sourceFile;  // as the session holds it (shown in the report)
   std::string photoPath;   // where the photograph is found on this machine
+  // The photograph the rows, the preview and the manifest are named after:
+  // photoPath, or for a straightened copy its original (see namingPhoto).
+  std::string namingPath;
   int uvSetting = 0;
   int horizontalSetting = 0;
   int reverseSetting = 0;
@@ -138,6 +141,13 @@ struct PhotoOutcome {
 // file exists; otherwise, for sessions made on Windows, the same with "\"
 // read as "/" when that one exists; else the text as given.
 std::string locatePhoto(std::string_view sourceFile);
+
+// The photograph an image's row images are named after, given where its
+// photograph is found: for a straightened copy ("T1-straight.jpg") the
+// original beside it ("T1.jpg"), so that the rows of a tray photographed at
+// an angle get the names they would have had if it had been photographed
+// square on; otherwise photoPath itself.
+std::string namingPhoto(const CoreImage& image, const std::string& photoPath);
 
 // The format an image's rows are written in: the run's chosen format, else the
 // image's own "CGM" setting when its "Override" is 1, else the session's.

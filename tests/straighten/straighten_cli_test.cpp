@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
 #include <fmt/format.h>
 
@@ -127,8 +128,8 @@ TEST_F(StraightenCliTest, RowsCutFromTheStraightCopyMatchTheTrayPhotographedSqua
   double worstShift = 0, meanResidual = 0, meanNeighbour = 0;
   for (int k = 0; k < rows; ++k) {
     const auto& row = tray.flat.rows[k];
-    // Rows are named after the photo they are cut from: the straight copy.
-    const std::string file = dir.file(fmt::format("rows/{}-straight_WL_{:05.0f}_{:02.0f}-{:05.0f}_{:02.0f}.png", stem(),
+    // Rows are named after the photograph, not its straight copy.
+    const std::string file = dir.file(fmt::format("rows/{}_WL_{:05.0f}_{:02.0f}-{:05.0f}_{:02.0f}.png", stem(),
                                                   std::floor(row.top), 100 * (row.top - std::floor(row.top)),
                                                   std::floor(row.base), 100 * (row.base - std::floor(row.base))));
     image::Photo cutPhoto;
@@ -157,6 +158,79 @@ TEST_F(StraightenCliTest, RowsCutFromTheStraightCopyMatchTheTrayPhotographedSqua
   EXPECT_GT(meanNeighbour, 3 * meanResidual);
   RecordProperty("mean_residual", fmt::format("{:.2f}", meanResidual));
   RecordProperty("mean_neighbour", fmt::format("{:.2f}", meanNeighbour));
+}
+
+// The names of everything a split writes in `folder`, sorted.
+std::vector<std::string> namesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+TEST_F(StraightenCliTest, RowsPreviewAndManifestOfTheStraightCopyAreNamedAsThoseOfThePhotoSquareOn) {
+  const int rows = static_cast<int>(tray.flat.rows.size());
+  // The same tray photographed square on, under the same name in its own folder.
+  fs::create_directory(dir.file("flat"));
+  ASSERT_TRUE(image::writeImage(tray.flat.pixels.view(), dir.file("flat/" + name), image::ImageFormat::Png));
+  auto sets = [&](const image::PixelBox& frame, double sx, double sy) {
+    std::string text;
+    for (const auto& row : tray.flat.rows) {
+      const image::PixelBox& b = row.compartment;
+      text += fmt::format(" --set {},{},{},{}", std::lround((b.left - frame.left) * sx),
+                          std::lround((b.top - frame.top) * sy), std::lround(b.width * sx), std::lround(b.height * sy));
+    }
+    return text;
+  };
+  ASSERT_EQ(slabber(fmt::format("new flat/s.slbs flat/{} --depths-from-names --cores {}", name, rows)).status, 0);
+  ASSERT_EQ(slabber("rows flat/s.slbs --image 1" + sets(image::PixelBox{0, 0, 0, 0}, 1, 1)).status, 0);
+  const CommandRun squareOn = slabber("split flat/s.slbs --out flat/rows --format png --no");
+  ASSERT_EQ(squareOn.status, 0) << squareOn.out << squareOn.err;
+  ASSERT_EQ(slabber("preview flat/s.slbs --out flat/preview").status, 0);
+
+  ASSERT_EQ(slabber(fmt::format("new s.slbs {} --depths-from-names --cores {}", name, rows)).status, 0);
+  const CommandRun straightened = slabber("straighten s.slbs --image 1 --corners " + cornersArgument(tray.corners));
+  ASSERT_EQ(straightened.status, 0) << straightened.out << straightened.err;
+  image::PixelSize size;
+  ASSERT_TRUE(image::readPixelSize(dir.file(stem() + "-straight.png"), size));
+  const image::PixelBox& frame = tray.flat.trayBox;
+  ASSERT_EQ(slabber("rows s.slbs --image 1" + sets(frame, double(size.width) / frame.width,
+                                                   double(size.height) / frame.height))
+                .status,
+            0);
+  const CommandRun split = slabber("split s.slbs --out rows --format png --no");
+  ASSERT_EQ(split.status, 0) << split.out << split.err;
+  ASSERT_EQ(slabber("preview s.slbs --out preview").status, 0);
+
+  const std::vector<std::string> names = namesIn(dir.file("rows"));
+  EXPECT_EQ(names, namesIn(dir.file("flat/rows")));
+  ASSERT_EQ(static_cast<int>(names.size()), rows + 2);  // with the table of clipping depths and the manifest
+  const auto& first = tray.flat.rows.front();
+  EXPECT_EQ(names.front(), fmt::format("{}_WL_{:05.0f}_{:02.0f}-{:05.0f}_{:02.0f}.png", stem(), std::floor(first.top),
+                                       100 * (first.top - std::floor(first.top)), std::floor(first.base),
+                                       100 * (first.base - std::floor(first.base))));
+  EXPECT_EQ(namesIn(dir.file("preview")), std::vector<std::string>{stem() + "_preview.png"});
+  EXPECT_EQ(namesIn(dir.file("flat/preview")), std::vector<std::string>{stem() + "_preview.png"});
+  // The manifest names the photograph, as it does for the tray photographed square on.
+  std::ifstream manifest(dir.file("rows/manifest.csv"));
+  std::string header, line;
+  ASSERT_TRUE(std::getline(manifest, header));
+  ASSERT_TRUE(std::getline(manifest, line));
+  EXPECT_EQ(line.substr(0, line.find(",1,")), ",../" + name) << line;
+}
+
+TEST_F(StraightenCliTest, ThePhotoAndItsStraightCopyInOneSessionWouldWriteTheSameRowsAndAreStopped) {
+  ASSERT_EQ(slabber(fmt::format("new s.slbs {} {} --depths-from-names --cores 2", name, name)).status, 0);
+  ASSERT_EQ(slabber("straighten s.slbs --image 2 --corners " + cornersArgument(tray.corners)).status, 0);
+  for (int image = 1; image <= 2; ++image)
+    ASSERT_EQ(slabber(fmt::format("rows s.slbs --image {} --set 100,100,300,80 --set 100,300,300,80", image)).status, 0);
+  const CommandRun split = slabber("split s.slbs --out rows --format png --no");
+  EXPECT_EQ(split.status, 2) << split.out << split.err;
+  EXPECT_NE(split.err.find(fmt::format("slabber: {} Core 1 and {}-straight.png Core 1 would both be written to ", name,
+                                       stem())),
+            std::string::npos)
+      << split.err;
+  EXPECT_FALSE(fs::exists(dir.file("rows")) && !namesIn(dir.file("rows")).empty());
 }
 
 TEST_F(StraightenCliTest, TheSessionKeepsTheOriginalAndCornersAndStraighteningAgainStartsFromIt) {
