@@ -55,7 +55,9 @@ void expectRightOrUnsure(const SetPhoto& photo, bool mustBeRight) {
     }
     EXPECT_TRUE(right || !found.sure()) << "found " << found.rows.size() << " rows of " << tray.rows.size()
                                         << ", wrong, at confidence " << found.confidence;
-    if (mustBeRight) EXPECT_TRUE(right) << "found " << found.rows.size() << " rows: " << found.doubt;
+    if (mustBeRight) {
+      EXPECT_TRUE(right) << "found " << found.rows.size() << " rows: " << found.doubt;
+    }
   }
 }
 
