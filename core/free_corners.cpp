@@ -8,6 +8,7 @@
 
 #include <fmt/format.h>
 
+#include "core/quadrilateral_check.h"
 #include "core/row_rectangles.h"
 
 namespace subsurf {
@@ -75,31 +76,27 @@ bool parseCorners(std::string_view text, FreeCorners& corners, std::string& prob
 
 std::string cornersProblem(const FreeCorners& c, int number, int width, int height) {
   const std::string what = fmt::format("Rectangle {} (corners {})", number, cornersText(c));
-  for (int i = 0; i < 4; ++i)
-    if (c.x[i] < 0 || c.y[i] < 0 || c.x[i] > width || c.y[i] > height)
-      return fmt::format("{}: corner {} ({},{}) lies outside the photo ({} x {} pixels)", what, i + 1, c.x[i], c.y[i],
-                         width, height);
-  for (int i = 0; i < 4; ++i)
-    for (int j = i + 1; j < 4; ++j)
-      if (c.x[i] == c.x[j] && c.y[i] == c.y[j])
-        return fmt::format("{}: corners {} and {} are the same point", what, i + 1, j + 1);
-  // Each corner with its two neighbours covers every three of the four.
-  for (int i = 0; i < 4; ++i)
-    if (turn(c, previous(i), i, next(i)) == 0) {
-      std::array<int, 3> three{previous(i) + 1, i + 1, next(i) + 1};
-      std::sort(three.begin(), three.end());
-      return fmt::format("{} has no area: corners {}, {} and {} lie on one line", what, three[0], three[1], three[2]);
-    }
-  if (sidesCross(c, 0, 1, 2, 3)) return fmt::format("{} crosses itself: side 1-2 crosses side 3-4", what);
-  if (sidesCross(c, 1, 2, 3, 0)) return fmt::format("{} crosses itself: side 2-3 crosses side 4-1", what);
-  int clockwise = 0;
-  for (int i = 0; i < 4; ++i) clockwise += signOf(turn(c, previous(i), i, next(i)));
-  if (clockwise == 4 || clockwise == -4) return {};
-  // A simple outline that is not convex turns the other way at one corner.
-  const int majority = clockwise > 0 ? 1 : -1;
-  for (int i = 0; i < 4; ++i)
-    if (signOf(turn(c, previous(i), i, next(i))) != majority)
-      return fmt::format("{} is not convex: corner {} points inwards", what, i + 1);
+  std::array<image::PlanePoint, 4> points;
+  for (int i = 0; i < 4; ++i) points[i] = {double(c.x[i]), double(c.y[i])};
+  // Whole pixels: three corners are on one line only when exactly so.
+  const QuadrilateralVerdict v = checkQuadrilateral(points, width, height, true, 0.0);
+  const auto& k = v.corners;
+  switch (v.fault) {
+    case QuadrilateralFault::None:
+      return {};
+    case QuadrilateralFault::Outside:
+      return fmt::format("{}: corner {} ({},{}) lies outside the photo ({} x {} pixels)", what, k[0], c.x[k[0] - 1],
+                         c.y[k[0] - 1], width, height);
+    case QuadrilateralFault::SamePoint:
+      return fmt::format("{}: corners {} and {} are the same point", what, k[0], k[1]);
+    case QuadrilateralFault::OnOneLine:
+      return fmt::format("{} has no area: corners {}, {} and {} lie on one line", what, k[0], k[1], k[2]);
+    case QuadrilateralFault::SidesCross:
+      return fmt::format("{} crosses itself: side {} crosses side {}", what, k[0] == 1 ? "1-2" : "2-3",
+                         k[0] == 1 ? "3-4" : "4-1");
+    case QuadrilateralFault::NotConvex:
+      return fmt::format("{} is not convex: corner {} points inwards", what, k[0]);
+  }
   return {};
 }
 

@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "core/image_settings.h"
+#include "core/quadrilateral_check.h"
 #include "core/row_layout.h"
 #include "core/split_naming.h"
 #include "core/split_process.h"
@@ -24,14 +25,6 @@ using image::PlanePoint;
 
 std::string number(double v) { return fmt::format("{:g}", std::round(v * 10) / 10); }
 std::string pointText(PlanePoint p) { return number(p.x) + "," + number(p.y); }
-
-double cross(PlanePoint o, PlanePoint a, PlanePoint b) { return (a.x - o.x) * (b.y - o.y) - (a.y - o.y) * (b.x - o.x); }
-
-// Whether segments ab and cd cross at a point inside both.
-bool segmentsCross(PlanePoint a, PlanePoint b, PlanePoint c, PlanePoint d) {
-  const double d1 = cross(a, b, c), d2 = cross(a, b, d), d3 = cross(c, d, a), d4 = cross(c, d, b);
-  return ((d1 > 0) != (d2 > 0)) && ((d3 > 0) != (d4 > 0)) && d1 != 0 && d2 != 0 && d3 != 0 && d4 != 0;
-}
 
 bool parseNumber(std::string_view text, double& out) {
   const std::string trimmed = trimBlanks(text);
@@ -80,34 +73,26 @@ Status parseTrayCorners(std::string_view text, TrayCorners& out) {
 }
 
 Status orderTrayCorners(TrayCorners& c, int width, int height) {
-  for (int i = 0; i < 4; ++i)
-    if (!(c[i].x >= 0 && c[i].x <= width && c[i].y >= 0 && c[i].y <= height))
-      return Status::error(fmt::format("--corners: corner {} ({}) is outside the photo ({} x {} pixels)", i + 1,
-                                       pointText(c[i]), width, height));
-  // The turn at each corner: all one way round a convex outline.
-  double turn[4];
-  for (int i = 0; i < 4; ++i) {
-    const PlanePoint prev = c[(i + 3) % 4], here = c[i], next = c[(i + 1) % 4];
-    turn[i] = cross(prev, here, next);
-    const double scale = std::hypot(here.x - prev.x, here.y - prev.y) * std::hypot(next.x - here.x, next.y - here.y);
-    if (std::fabs(turn[i]) <= 1e-6 * scale) {
-      int k[3] = {(i + 3) % 4 + 1, i + 1, (i + 1) % 4 + 1};
-      std::sort(k, k + 3);
+  // Corners are read by eye in fractions of a pixel: three within a hair of
+  // one line make no tray.
+  const QuadrilateralVerdict v = checkQuadrilateral(c, width, height, false, 1e-6);
+  const auto& k = v.corners;
+  switch (v.fault) {
+    case QuadrilateralFault::None:
+      break;
+    case QuadrilateralFault::Outside:
+      return Status::error(fmt::format("--corners: corner {} ({}) is outside the photo ({} x {} pixels)", k[0],
+                                       pointText(c[k[0] - 1]), width, height));
+    case QuadrilateralFault::SamePoint:  // not asked for: two corners at one point lie on one line with a third
+    case QuadrilateralFault::OnOneLine:
       return Status::error(fmt::format("--corners: corners {}, {} and {} lie on one line", k[0], k[1], k[2]));
-    }
+    case QuadrilateralFault::SidesCross:
+      return Status::error("--corners: the sides of the tray cross; give the corners in order round the tray");
+    case QuadrilateralFault::NotConvex:
+      return Status::error(
+          fmt::format("--corners: the outline is not convex at corner {} ({})", k[0], pointText(c[k[0] - 1])));
   }
-  if (segmentsCross(c[0], c[1], c[2], c[3]) || segmentsCross(c[1], c[2], c[3], c[0]))
-    return Status::error("--corners: the sides of the tray cross; give the corners in order round the tray");
-  const int positive = static_cast<int>(std::count_if(turn, turn + 4, [](double t) { return t > 0; }));
-  if (positive != 0 && positive != 4) {
-    const bool odd = positive == 1;  // the one corner turning the other way
-    for (int i = 0; i < 4; ++i)
-      if ((turn[i] > 0) == odd)
-        return Status::error(
-            fmt::format("--corners: the outline is not convex at corner {} ({})", i + 1, pointText(c[i])));
-  }
-  // With y downwards a positive turn is clockwise on the screen.
-  if (positive == 0) std::swap(c[1], c[3]);
+  if (!v.clockwise) std::swap(c[1], c[3]);
   const auto first = std::min_element(c.begin(), c.end(), [](PlanePoint a, PlanePoint b) { return a.x + a.y < b.x + b.y; });
   std::rotate(c.begin(), first, c.end());
   return Status::ok();
