@@ -11,6 +11,7 @@
 #include "core/image_settings.h"
 #include "core/quadrilateral_check.h"
 #include "core/row_layout.h"
+#include "core/row_rectangles.h"
 #include "core/split_naming.h"
 #include "core/split_process.h"
 #include "host/fixed_text.h"
@@ -54,13 +55,7 @@ void rememberOrigin(CoreImage& image, std::string_view original, const TrayCorne
 }  // namespace
 
 Status parseTrayCorners(std::string_view text, TrayCorners& out) {
-  std::vector<std::string_view> fields;
-  for (std::size_t start = 0;;) {
-    const std::size_t comma = text.find(',', start);
-    fields.push_back(text.substr(start, comma == std::string_view::npos ? std::string_view::npos : comma - start));
-    if (comma == std::string_view::npos) break;
-    start = comma + 1;
-  }
+  std::vector<std::string_view> fields = commaFields(text);
   if (trimBlanks(text).empty()) fields.clear();
   if (fields.size() != 8)
     return Status::error(fmt::format("--corners needs 8 numbers (x1,y1,...,x4,y4), found {}", fields.size()));
